@@ -1,0 +1,92 @@
+// The emulator's start-up, statuses and failure knobs.
+#include "emulator.h"
+
+#include <chrono>
+#include <cstdarg>
+#include <cstdlib>
+#include <cstring>
+#include <thread>
+
+#include "core/platform.h"
+
+static void* cpuLibrary;
+static thread_local int errorInfo;
+
+void emulatorRecord(const char* format, ...) {
+    const char* path = std::getenv("VORN_EMU_RECORD");
+    if (path == nullptr) return;
+    FILE* record = std::fopen(path, "a");
+    if (record == nullptr) return;
+    va_list arguments;
+    va_start(arguments, format);
+    std::vfprintf(record, format, arguments);
+    va_end(arguments);
+    std::fputc('\n', record);
+    std::fclose(record);
+}
+
+// Finds "<routine>=<status>[:<info>]" in VORN_EMU_STATUS.
+ForcedStatus emulatorForcedStatus(const char* routine) {
+    const char* list = std::getenv("VORN_EMU_STATUS");
+    const std::size_t length = std::strlen(routine);
+    for (const char* entry = list; entry != nullptr && *entry != '\0';) {
+        if (std::strncmp(entry, routine, length) == 0 && entry[length] == '=') {
+            char* end;
+            ForcedStatus forced{true, static_cast<int>(std::strtol(entry + length + 1, &end, 10)), 0};
+            if (*end == ':') forced.info = static_cast<int>(std::strtol(end + 1, nullptr, 10));
+            return forced;
+        }
+        entry = std::strchr(entry, ',');
+        if (entry != nullptr) ++entry;
+    }
+    return {false, 0, 0};
+}
+
+void* emulatorCpuFunction(const char* routine) {
+    return cpuLibrary != nullptr ? platformFindSymbol(cpuLibrary, routine) : nullptr;
+}
+
+void emulatorSetErrorInfo(int info) { errorInfo = info; }
+
+int emulatorAnswer(int info) {
+    errorInfo = info;
+    if (info > 0) return VORN_STATUS_INFO_NUMERICAL;
+    if (info < 0) return VORN_STATUS_INFO_ARGUMENT;
+    return VORN_STATUS_SUCCESS;
+}
+
+extern "C" {
+
+int vornInitialize(void) {
+    emulatorRecord("vornInitialize()");
+    if (const char* delay = std::getenv("VORN_EMU_INIT_DELAY_MS")) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(std::atoi(delay)));
+    }
+    if (const char* status = std::getenv("VORN_EMU_INIT_STATUS")) {
+        if (std::atoi(status) != 0) return std::atoi(status);
+    }
+    const char* path = std::getenv("VORN_EMU_CPU_LIB");
+    cpuLibrary = platformLoadLibrary(path != nullptr ? path : "liblapackcpu.so");
+    return cpuLibrary != nullptr ? VORN_STATUS_SUCCESS : VORN_STATUS_DEPENDENCY_MISSING;
+}
+
+void vornShutdown(void) { emulatorRecord("vornShutdown()"); }
+
+const char* vornGetStatusString(int status) {
+    switch (status) {
+        case VORN_STATUS_SUCCESS: return "success";
+        case VORN_STATUS_NO_DEVICE: return "no GPU present";
+        case VORN_STATUS_NOT_AVAILABLE: return "routine not available on this GPU library";
+        case VORN_STATUS_OUT_OF_MEMORY: return "out of GPU memory";
+        case VORN_STATUS_RUNTIME_ERROR: return "GPU runtime error";
+        case VORN_STATUS_NOT_INITIALIZED: return "GPU library not initialized";
+        case VORN_STATUS_DEPENDENCY_MISSING: return "emulator: cannot load the CPU library";
+        case VORN_STATUS_INFO_NUMERICAL: return "routine reported a numerical condition in info";
+        case VORN_STATUS_INFO_ARGUMENT: return "routine reported an illegal argument in info";
+        default: return "unknown status";
+    }
+}
+
+int vornGetErrorInfo(void) { return errorInfo; }
+
+}  // extern "C"

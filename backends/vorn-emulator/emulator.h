@@ -1,0 +1,97 @@
+// The emulator GPU library: every routine computes through the CPU library, so
+// results are right on either side. Its own environment variables make it
+// misbehave on purpose, for tests:
+//   VORN_EMU_INIT_STATUS=<status>    vornInitialize returns that status
+//   VORN_EMU_INIT_DELAY_MS=<ms>      vornInitialize takes at least that long
+//   VORN_EMU_STATUS=<routine>=<status>[:<info>],...
+//                                    the routine (lower-case base, "spotrf")
+//                                    returns that status, without touching its
+//                                    arrays, and vornGetErrorInfo gives <info>
+//   VORN_EMU_RECORD=<file>           appends one line per call with the
+//                                    by-value arguments: "vornSpotrf(U, 4, 0x..., 4)"
+//   VORN_EMU_CPU_LIB=<file>          the CPU library (default liblapackcpu.so)
+#pragma once
+
+#include <cstdio>
+#include <utility>
+
+#include "routing/fixed_string.h"
+#include "vorn_lapack.h"
+
+// Status of a routine that the environment forces, if any.
+struct ForcedStatus {
+    bool forced;
+    int status;
+    int info;
+};
+ForcedStatus emulatorForcedStatus(const char* routine);
+
+// Appends a line to the record file when VORN_EMU_RECORD is set.
+[[gnu::format(printf, 1, 2)]] void emulatorRecord(const char* format, ...);
+
+// The CPU library's function for a routine, or null.
+void* emulatorCpuFunction(const char* routine);
+
+// Turns a LAPACK info into a status, and keeps it for vornGetErrorInfo.
+int emulatorAnswer(int info);
+void emulatorSetErrorInfo(int info);
+
+// Formats one by-value argument for the record.
+inline int recordArgument(char* out, std::size_t size, char v) { return std::snprintf(out, size, "%c", v); }
+inline int recordArgument(char* out, std::size_t size, int v) { return std::snprintf(out, size, "%d", v); }
+inline int recordArgument(char* out, std::size_t size, double v) { return std::snprintf(out, size, "%.17g", v); }
+inline int recordArgument(char* out, std::size_t size, float v) { return std::snprintf(out, size, "%.9g", double(v)); }
+inline int recordArgument(char* out, std::size_t size, vornFloatComplex v) {
+    return std::snprintf(out, size, "(%.9g,%.9g)", double(v.re), double(v.im));
+}
+inline int recordArgument(char* out, std::size_t size, vornDoubleComplex v) {
+    return std::snprintf(out, size, "(%.17g,%.17g)", v.re, v.im);
+}
+inline int recordArgument(char* out, std::size_t size, const void* v) { return std::snprintf(out, size, "%p", v); }
+
+template <class... Args>
+void emulatorRecordCall(const char* gpuName, Args... args) {
+    char line[512];
+    std::size_t used = std::snprintf(line, sizeof line, "%s(", gpuName);
+    const char* separator = "";
+    auto add = [&](auto value) {
+        used += std::snprintf(line + used, sizeof line - used, "%s", separator);
+        used += recordArgument(line + used, sizeof line - used, value);
+        separator = ", ";
+    };
+    (add(args), ...);
+    emulatorRecord("%s)", line);
+}
+
+// The usual emulated routine: record the call, answer with a forced status if one
+// is set, else run the CPU routine of the same name with the addresses of the
+// by-value arguments, the arrays as they are and, with info, the address of a
+// local info that becomes the status.
+template <FixedString Routine, bool HasInfo, class... Args>
+int emulate(const char* gpuName, Args... args) {
+    emulatorRecordCall(gpuName, args...);
+    const ForcedStatus forced = emulatorForcedStatus(Routine.c_str());
+    if (forced.forced) {
+        emulatorSetErrorInfo(forced.info);
+        return forced.status;
+    }
+    void* function = emulatorCpuFunction(Routine.c_str());
+    if (function == nullptr) return VORN_STATUS_DEPENDENCY_MISSING;
+    auto address = [](auto& value) -> void* {
+        if constexpr (std::is_pointer_v<std::remove_reference_t<decltype(value)>>) {
+            return const_cast<void*>(static_cast<const void*>(value));
+        } else {
+            return &value;
+        }
+    };
+    if constexpr (HasInfo) {
+        int info = 0;
+        using Function = void (*)(decltype((void)args, (void*)nullptr)..., void*);
+        reinterpret_cast<Function>(function)(address(args)..., &info);
+        return emulatorAnswer(info);
+    } else {
+        using Function = void (*)(decltype((void)args, (void*)nullptr)...);
+        reinterpret_cast<Function>(function)(address(args)...);
+        return VORN_STATUS_SUCCESS;
+    }
+}

@@ -1,0 +1,36 @@
+// The platform layer: loading a shared library, finding a symbol in it, the one
+// recursive lock, and the atomic operations on the start-up flags. One source file
+// per operating system implements it; nothing else in the library includes the
+// system headers behind it.
+#pragma once
+
+#include <cstdint>
+
+// Storage for the platform's recursive lock: a pthread mutex on Linux, a critical
+// section on Windows (40 bytes each on x86-64). Each platform file checks that its
+// lock fits. The storage is plain bytes so that it can sit in constant-initialised
+// state and be set up lazily.
+struct PlatformLock {
+    alignas(16) unsigned char storage[48];
+};
+
+// Loads a shared library by name and gives its handle, or null when it cannot be
+// loaded. An empty name always fails (some loaders answer it with the main program).
+void* platformLoadLibrary(const char* name);
+
+// Gives the address of a symbol of a loaded library, or null.
+void* platformFindSymbol(void* library, const char* name);
+
+// The recursive lock. Create runs once, before the first Enter.
+void platformCreateLock(PlatformLock* lock);
+void platformEnterLock(PlatformLock* lock);
+void platformLeaveLock(PlatformLock* lock);
+
+// Atomically: if *target equals expected, store desired. Gives the old value.
+int32_t platformCompareAndSwap(int32_t* target, int32_t expected, int32_t desired);
+
+// Publication of the start-up flags: a store with release order and a load with
+// acquire order, so that a thread that sees a flag set also sees all that was
+// written before it.
+void platformStoreRelease(int32_t* flag, int32_t value);
+int32_t platformLoadAcquire(const int32_t* flag);

@@ -1,0 +1,59 @@
+// The platform layer on Linux: dlopen/dlsym, a recursive pthread mutex, and the
+// atomics of the standard library.
+#include "core/platform.h"
+
+#include <atomic>
+#include <dlfcn.h>
+#include <pthread.h>
+
+static_assert(sizeof(pthread_mutex_t) <= sizeof(PlatformLock::storage));
+static_assert(alignof(pthread_mutex_t) <= alignof(PlatformLock));
+
+// RTLD_DEEPBIND makes the loaded library resolve its own references to itself
+// first. The sanitizer runtimes refuse it, so sanitizer builds load without it.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+static constexpr int loadFlags = RTLD_NOW | RTLD_LOCAL;
+#else
+static constexpr int loadFlags = RTLD_NOW | RTLD_LOCAL | RTLD_DEEPBIND;
+#endif
+
+void* platformLoadLibrary(const char* name) {
+    // dlopen("") gives the main program, whose symbol lookups would find the
+    // link library's own exports; a name that names nothing must fail instead.
+    if (name == nullptr || name[0] == '\0') return nullptr;
+    return dlopen(name, loadFlags);
+}
+
+void* platformFindSymbol(void* library, const char* name) {
+    return dlsym(library, name);
+}
+
+static pthread_mutex_t* mutexOf(PlatformLock* lock) {
+    return reinterpret_cast<pthread_mutex_t*>(lock->storage);
+}
+
+void platformCreateLock(PlatformLock* lock) {
+    pthread_mutexattr_t attributes;
+    pthread_mutexattr_init(&attributes);
+    pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_RECURSIVE);
+    pthread_mutex_init(mutexOf(lock), &attributes);
+    pthread_mutexattr_destroy(&attributes);
+}
+
+void platformEnterLock(PlatformLock* lock) { pthread_mutex_lock(mutexOf(lock)); }
+
+void platformLeaveLock(PlatformLock* lock) { pthread_mutex_unlock(mutexOf(lock)); }
+
+int32_t platformCompareAndSwap(int32_t* target, int32_t expected, int32_t desired) {
+    std::atomic_ref<int32_t>(*target).compare_exchange_strong(expected, desired,
+                                                              std::memory_order_acq_rel);
+    return expected;  // compare_exchange leaves the old value here
+}
+
+void platformStoreRelease(int32_t* flag, int32_t value) {
+    std::atomic_ref<int32_t>(*flag).store(value, std::memory_order_release);
+}
+
+int32_t platformLoadAcquire(const int32_t* flag) {
+    return std::atomic_ref<int32_t>(*const_cast<int32_t*>(flag)).load(std::memory_order_acquire);
+}

@@ -1,0 +1,31 @@
+// The words of one call, as the frames read them: by 1-based word position, the
+// way the routine tables number the arguments.
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+
+struct CallWords {
+    void* const* word;
+
+    void* pointer(int position) const { return word[position - 1]; }
+
+    // An integer argument, read as a signed 32-bit value: in ILP64 mode this is
+    // the low half of the caller's 8 bytes.
+    int32_t integer(int position) const { return read<int32_t>(position); }
+
+    template <class T>
+    T read(int position) const {
+        T value;
+        std::memcpy(&value, word[position - 1], sizeof value);
+        return value;
+    }
+};
+
+// Measure arithmetic is signed 32-bit and wraps on overflow.
+constexpr int32_t multiply32(int32_t a, int32_t b) {
+    return static_cast<int32_t>(static_cast<uint32_t>(a) * static_cast<uint32_t>(b));
+}
+constexpr int32_t add32(int32_t a, int32_t b) {
+    return static_cast<int32_t>(static_cast<uint32_t>(a) + static_cast<uint32_t>(b));
+}

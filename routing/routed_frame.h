@@ -1,0 +1,169 @@
+// The frame that every routed routine follows: start-up, entry line, the route
+// decision, the GPU call and its statuses, the retry on the CPU, the CPU call and
+// the closing lines. A routine is a row: its root's argument table (word
+// positions, GPU arguments, class, measure, work query) and its instance (name,
+// GPU function, crossover entry). The frame holds no state beyond one call.
+//
+// Classes: A has no info (BLAS); statuses 7 and 8 are failures like any other.
+// B has info; statuses 7 and 8 are answers turned into info. C is B with a work
+// query: an lwork-like argument of -1 sends the call to the CPU, and the first
+// element of each work array is reported after it.
+#pragma once
+
+#include <cstdint>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+
+#include "core/link_state.h"
+#include "core/startup.h"
+#include "exports/words.h"
+#include "ilp64/int_width.h"
+#include "routing/crossover_table.h"
+#include "routing/gpu_arguments.h"
+#include "routing/issue_reason.h"
+#include "vorn_lapack.h"
+
+enum class FrameClass { A, B, C };
+
+// The arrays whose first element a work query reports, in the order of the lines.
+template <int W> struct WorkReal { static constexpr int position = W; };   // real part, truncated
+template <int W> struct WorkInt { static constexpr int position = W; };    // 32-bit integer
+template <class... Lines> struct WorkLines {};
+
+template <FixedString Name, class Root, auto GpuFunction, int32_t CrossoverTable::*Entry>
+struct RoutedRoutine {
+    static constexpr FixedString name = Name;
+    using Args = Root;
+    using Gpu = GpuBinding<GpuFunction, typename Root::GpuArgs>;
+    // The routine's real type: single in s and c routines, double in d and z.
+    using RealType = std::conditional_t<Name.text[0] == 's' || Name.text[0] == 'c', float, double>;
+    static constexpr auto entryFormat =
+        "vorn info:  " + Name + " (" + conversionList(typename Root::GpuArgs{}) + ")\n";
+    static inline constinit CpuSlot cpuSlot{};
+    static int32_t crossover() { return crossoverTable.*Entry; }
+};
+
+// Calls a CPU library function with exactly the first N words of the call.
+template <std::size_t... I>
+inline void callCpuWords(void* function, CallWords words, std::index_sequence<I...>) {
+    using Function = void (*)(decltype((void)I, Word{})...);
+    reinterpret_cast<Function>(function)(words.word[I]...);
+}
+
+template <class Routine>
+void linkWriteEntryLine(CallWords words) {
+    std::apply([](auto... values) { linkWriteLine(Routine::entryFormat.c_str(), values...); },
+               Routine::Gpu::printedValues(words));
+}
+
+// "vorn info:  work query returned %d" for each work array, first element only.
+template <class Routine, class... Lines>
+void linkWriteWorkLines(CallWords words, WorkLines<Lines...>) {
+    auto line = [&](auto kind) {
+        using Kind = decltype(kind);
+        int32_t value;
+        if constexpr (std::is_same_v<Kind, WorkInt<Kind::position>>) {
+            value = words.integer(Kind::position);
+        } else {
+            value = static_cast<int32_t>(words.read<typename Routine::RealType>(Kind::position));
+        }
+        linkWriteLine("vorn info:  work query returned %d\n", value);
+    };
+    (line(Lines{}), ...);
+}
+
+template <class Routine>
+bool measureUnderCrossover(CallWords words) {
+    const auto measure = Routine::Args::measure(words);
+    if constexpr (std::is_same_v<decltype(measure), const double>) {
+        return measure < static_cast<double>(Routine::crossover());
+    } else {
+        static_assert(std::is_same_v<decltype(measure), const int32_t>);
+        return measure < Routine::crossover();
+    }
+}
+
+template <class Routine>
+void routedFrame(CallWords words) {
+    using Args = typename Routine::Args;
+    constexpr bool hasInfo = Args::frameClass != FrameClass::A;
+    constexpr bool hasWorkQuery = Args::frameClass == FrameClass::C;
+
+    linkInitGpu();
+    if (linkState.verbose) linkWriteEntryLine<Routine>(words);
+
+    void* info = nullptr;
+    if constexpr (hasInfo) {
+        info = words.pointer(Args::info);
+        linkStoreInteger(info, 0);
+    }
+
+    // Read once per call: a change of the crossover or of lwork during the call
+    // does not alter them.
+    const bool excluded = Routine::crossover() == crossoverNever;
+    bool workQuery = false;
+    if constexpr (hasWorkQuery) workQuery = words.integer(Args::lwork) == -1;
+    bool retry = false;
+
+    linkPackIntegerArrays<Routine>(words);
+
+    // At most two passes: the first may reach the GPU; a failure there brings a
+    // second pass, which always leads to the CPU.
+    for (;;) {
+        auto state = [&] {
+            return RouteState{linkState.gpuUnavailable != 0, retry, workQuery, excluded,
+                              linkState.cpuAlways != 0, linkState.gpuAlways != 0,
+                              measureUnderCrossover<Routine>(words)};
+        };
+        linkLogIssue(linkChooseReason(state()));
+        if (!linkRouteToGpu(state())) break;
+
+        const int status = Routine::Gpu::call(words);
+        if constexpr (hasInfo) {
+            if (status == VORN_STATUS_INFO_NUMERICAL || status == VORN_STATUS_INFO_ARGUMENT) {
+                const int32_t value = vornGetErrorInfo();
+                linkStoreInteger(info, value);
+                if (linkState.verbose && value != 0) linkWriteLine("vorn info:  info returned as %d\n", value);
+                linkUnpackIntegerArrays<Routine>(words);
+                if (linkState.verbose) linkWriteLine("vorn info:  done\n");
+                return;
+            }
+            if (status == VORN_STATUS_SUCCESS) linkStoreInteger(info, 0);
+        }
+        if (status == VORN_STATUS_SUCCESS) {
+            linkUnpackIntegerArrays<Routine>(words);
+            if (linkState.verbose) linkWriteLine("vorn info:  done\n");
+            return;
+        }
+        linkWriteLine("vorn error: %s\n", vornGetStatusString(status));
+        linkWriteLine("vorn error: Retrying with CPU\n");
+        retry = true;
+    }
+
+    if (!linkInitCpu()) return;  // exit F1
+    void* function = linkCpuFunction(Routine::cpuSlot, Routine::name.c_str());
+    if (function == nullptr) return;  // exit F2
+
+    callCpuWords(function, words, std::make_index_sequence<Args::wordCount>{});
+
+    if constexpr (hasInfo) {
+        const int32_t value = linkTakeInteger(info);
+        if (linkState.verbose && value != 0) linkWriteLine("vorn info:  info returned as %d\n", value);
+    }
+    if constexpr (hasWorkQuery) {
+        if (linkState.verbose && workQuery) linkWriteWorkLines<Routine>(words, typename Args::WorkLines{});
+    }
+    linkUnpackIntegerArrays<Routine>(words);
+    if (linkState.verbose) linkWriteLine("vorn info:  done\n");
+}
+
+// Defines the exported implementation of a routed routine: its base name, its
+// root's row, its word count, its GPU function and its crossover entry.
+#define VORN_ROUTED_ROUTINE(base, Root, count, gpuFunction)                                  \
+    static_assert(Root::wordCount == count, #base ": word count differs from its root");     \
+    extern "C" VORN_EXPORT void base(VORN_WORDS_##count) {                                   \
+        void* const words[] = {VORN_ARGS_##count};                                           \
+        routedFrame<RoutedRoutine<#base, Root, gpuFunction, &CrossoverTable::base>>(         \
+            CallWords{words});                                                               \
+    }
