@@ -1,0 +1,130 @@
+// Binding of the CPU library: its name, the limits of VORN_CPU_LIB, a missing
+// library or symbol, and the clash of both "always" settings.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "link_test.h"
+
+using testing::ElementsAre;
+
+namespace {
+
+// A CPU-side call whose arrays must come back untouched when the CPU library
+// cannot be reached; gives info.
+int unreachedCall() {
+    int n = 4;
+    auto a = spdMatrix(n, n);
+    const auto before = a;
+    int info = 77;
+    spotrf("L", &n, a.data(), &n, &info);
+    EXPECT_TRUE(sameBits(a, before));
+    return info;
+}
+
+// A path of exactly `length` characters that names the CPU adapter.
+std::string adapterPathOfLength(std::size_t length) {
+    std::string folder = tempPath("");
+    folder += std::string(150 - folder.size(), 'd');
+    mkdir(folder.c_str(), 0700);
+    std::string path = folder + "/" + std::string(length - folder.size() - 1, 'f');
+    symlink(VORN_TEST_LAPACKCPU, path.c_str());
+    return path;
+}
+
+}  // namespace
+
+TEST(CpuBinding, DefaultLibraryIsNamedOnTheLog) {
+    const std::string log = useLogFile();
+    int n = 3;
+    auto a = spdMatrix(n, n);
+    int info;
+    spotrf("L", &n, a.data(), &n, &info);
+    EXPECT_THAT(linesStartingWith(readLines(log), "vorn info:  CPU"),
+                ElementsAre("vorn info:  CPU library is liblapackcpu.so"));
+}
+
+TEST(CpuBinding, PathOf259CharactersReachesTheLoaderWhole) {
+    const std::string path = adapterPathOfLength(259);
+    ASSERT_EQ(path.size(), 259u);
+    setEnv("VORN_CPU_LIB", path);
+    const std::string log = useLogFile();
+    int n = 5;
+    auto a = spdMatrix(n, n);
+    int referenceInfo;
+    const auto reference = referenceFactor('L', n, n, a, &referenceInfo);
+    int info = -99;
+    spotrf("L", &n, a.data(), &n, &info);
+    EXPECT_EQ(info, 0);
+    EXPECT_TRUE(sameBits(a, reference));
+    EXPECT_THAT(linesStartingWith(readLines(log), "vorn info:  CPU"), ElementsAre("vorn info:  CPU library is " + path));
+}
+
+TEST(CpuBinding, PathOf260CharactersIsRefusedForGood) {
+    setEnv("VORN_CPU_LIB", adapterPathOfLength(260));  // exists, but is never loaded
+    StdoutCapture capture;
+    EXPECT_EQ(unreachedCall(), 0);
+    EXPECT_EQ(unreachedCall(), 0);
+    EXPECT_EQ(capture.stop(),
+              "vorn error: Initialization failed, filename path is too long\n"
+              "vorn error: a previous attempt at initialization failed, cannot continue\n");
+}
+
+// A library that cannot be loaded is reported at the first CPU-side call and
+// never tried again; the calls return with info 0 and nothing computed.
+class MissingLibrary : public testing::TestWithParam<const char*> {};
+TEST_P(MissingLibrary, FailsOnceThenRefersToThePreviousAttempt) {
+    setEnv("VORN_CPU_LIB", GetParam());
+    StdoutCapture capture;
+    EXPECT_EQ(unreachedCall(), 0);
+    EXPECT_EQ(unreachedCall(), 0);
+    EXPECT_EQ(unreachedCall(), 0);
+    EXPECT_EQ(capture.stop(), std::string("vorn error: failed to read '") + GetParam() + "'\n" +
+                                  "vorn error: a previous attempt at initialization failed, cannot continue\n"
+                                  "vorn error: a previous attempt at initialization failed, cannot continue\n");
+}
+INSTANTIATE_TEST_SUITE_P(Names, MissingLibrary, testing::Values("libvorn-no-such-library.so", ""));
+
+TEST(CpuBinding, MissingSymbolFailsEveryCallOfThatRoutine) {
+    setEnv("VORN_CPU_LIB", "libm.so.6");  // loads, but has no LAPACK
+    const std::string log = useLogFile();
+    EXPECT_EQ(unreachedCall(), 0);
+    EXPECT_EQ(unreachedCall(), 0);
+    const auto lines = readLines(log);
+    EXPECT_EQ(linesStartingWith(lines, "vorn error: Failed to read symbol 'spotrf' from 'libm.so.6'").size(), 2u);
+    EXPECT_TRUE(linesStartingWith(lines, "vorn info:  done").empty());
+}
+
+TEST(CpuBinding, BothAlwaysSettingsAreDroppedAtTheFirstCpuSideCall) {
+    setEnv("VORN_CPU_ALWAYS", "1");
+    setEnv("VORN_GPU_ALWAYS", "1");
+    const std::string log = useLogFile();
+    for (int n : {1100, 1100, 4}) {
+        auto a = spdMatrix(n, n);
+        int info = -99;
+        spotrf("L", &n, a.data(), &n, &info);
+        EXPECT_EQ(info, 0);
+    }
+    const auto lines = readLines(log);
+    // The first call had already chosen the CPU; the later ones follow the crossover.
+    EXPECT_THAT(linesStartingWith(lines, "vorn info:  issuing"),
+                ElementsAre("vorn info:  issuing to CPU (configured to always choose CPU)",
+                            "vorn info:  issuing to GPU (over threshold)",
+                            "vorn info:  issuing to CPU (under threshold)"));
+    EXPECT_EQ(lines.at(2), "vorn error: both VORN_CPU_ALWAYS and VORN_GPU_ALWAYS are set; ignoring both");
+}
+
+TEST(CpuBinding, GpuOnlyProcessNeverBindsTheCpuLibrary) {
+    setEnv("VORN_CPU_LIB", "libvorn-no-such-library.so");  // would be reported if tried
+    const std::string log = useLogFile();
+    for (int n : {1024, 2000}) {
+        auto a = spdMatrix(n, n);
+        int info = -99;
+        spotrf("U", &n, a.data(), &n, &info);
+        EXPECT_EQ(info, 0);
+    }
+    for (const auto& line : readLines(log)) {
+        EXPECT_EQ(line.find("CPU"), std::string::npos) << line;
+        EXPECT_EQ(line.find("vorn error"), std::string::npos) << line;
+    }
+}

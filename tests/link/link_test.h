@@ -1,0 +1,63 @@
+// What the link library's tests share: the routines as an application declares
+// them, OpenBLAS's own routine for reference results, and small scenario helpers.
+#pragma once
+
+#include <cstddef>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include "test_support.h"
+
+// The link library's export, in the argument convention of its callers.
+extern "C" void spotrf(const char* uplo, const void* n, float* a, const void* lda, void* info);
+// OpenBLAS, linked into the test program, with gfortran's hidden length.
+extern "C" void spotrf_(const char* uplo, const int* n, float* a, const int* lda, int* info, std::size_t);
+
+inline constexpr int spotrfCrossover = 1024;
+
+// A column-major n x n matrix with leading dimension lda; symmetric positive
+// definite unless `definite` is false (then its (k,k) element is negative).
+inline std::vector<float> spdMatrix(int n, int lda, bool definite = true, int k = 2) {
+    std::vector<float> a(static_cast<std::size_t>(lda) * n, -7.0f);  // padding rows stay -7
+    for (int j = 0; j < n; ++j)
+        for (int i = 0; i < n; ++i)
+            a[i + static_cast<std::size_t>(j) * lda] =
+                i == j ? static_cast<float>(n) : 1.0f / static_cast<float>(1 + (i > j ? i - j : j - i));
+    if (!definite) a[(k - 1) + static_cast<std::size_t>(k - 1) * lda] = -1.0f;
+    return a;
+}
+
+// OpenBLAS's factor of the same matrix, and its info.
+inline std::vector<float> referenceFactor(char uplo, int n, int lda, std::vector<float> a, int* info) {
+    spotrf_(&uplo, &n, a.data(), &lda, info, 1);
+    return a;
+}
+
+inline bool sameBits(const std::vector<float>& x, const std::vector<float>& y) {
+    return x.size() == y.size() && std::memcmp(x.data(), y.data(), x.size() * sizeof(float)) == 0;
+}
+
+// Log and record files of this test; setting them must precede the first call.
+inline std::string useLogFile() {
+    std::string path = tempPath("vorn.log");
+    setEnv("VORN_DEBUG_LOG", path);
+    return path;
+}
+inline std::string useRecord() {
+    std::string path = tempPath("emulator.record");
+    setEnv("VORN_EMU_RECORD", path);
+    return path;
+}
+
+// The entry line that spotrf writes for these arguments.
+inline std::string spotrfEntryLine(char uplo, int n, const void* a, int lda) {
+    return "vorn info:  spotrf (" + std::string(1, uplo) + ", " + std::to_string(n) + ", " +
+           pointerText(a) + ", " + std::to_string(lda) + ")";
+}
+inline std::string emulatorSpotrfLine(char uplo, int n, const void* a, int lda) {
+    return "vornSpotrf(" + std::string(1, uplo) + ", " + std::to_string(n) + ", " + pointerText(a) + ", " +
+           std::to_string(lda) + ")";
+}

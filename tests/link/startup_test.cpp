@@ -1,0 +1,220 @@
+// Start-up of the link library: settings from the environment, the log, the
+// one-time GPU start-up and the shutdown at exit. Each test is its own process.
+#include <barrier>
+#include <cstdint>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+#include "link_test.h"
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+// Factors a small SPD matrix on the CPU side (under the crossover).
+int smallCall(int n = 4) {
+    auto a = spdMatrix(n, n);
+    int info = -99;
+    spotrf("L", &n, a.data(), &n, &info);
+    return info;
+}
+
+// Runs `body` in a child process that then exits normally, running its exit
+// handlers; gives the child's exit status.
+template <class Body>
+int inChild(Body body) {
+    const pid_t child = fork();
+    if (child == 0) {
+        body();
+        std::exit(0);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    return status;
+}
+
+}  // namespace
+
+TEST(Startup, VerboseOneWritesInfoLinesToStdout) {
+    setEnv("VORN_VERBOSE", "1");
+    int n = 4;
+    auto a = spdMatrix(n, n);
+    int info = -99;
+    StdoutCapture capture;
+    spotrf("L", &n, a.data(), &n, &info);
+    const std::string out = capture.stop();
+    EXPECT_EQ(out, spotrfEntryLine('L', 4, a.data(), 4) +
+                       "\nvorn info:  issuing to CPU (under threshold)\n"
+                       "vorn info:  CPU library is liblapackcpu.so\n"
+                       "vorn info:  done\n");
+    EXPECT_EQ(info, 0);
+}
+
+// Only the exact value "1" switches verbose on.
+class VerboseValue : public testing::TestWithParam<const char*> {};
+TEST_P(VerboseValue, OtherValuesLeaveTheLogSilent) {
+    setEnv("VORN_VERBOSE", GetParam());
+    StdoutCapture capture;
+    EXPECT_EQ(smallCall(), 0);
+    EXPECT_EQ(capture.stop(), "");
+}
+INSTANTIATE_TEST_SUITE_P(NotOne, VerboseValue, testing::Values("0", "11", " 1", "1 ", "01", "true", ""));
+
+TEST(Startup, DebugLogAppendsAndTurnsInfoLinesOn) {
+    const std::string log = tempPath("existing.log");
+    writeFile(log, "a line the user wrote earlier\n");
+    setEnv("VORN_DEBUG_LOG", log);
+    setEnv("VORN_VERBOSE", "0");
+    StdoutCapture capture;
+    smallCall();
+    EXPECT_EQ(capture.stop(), "");
+    const auto lines = readLines(log);
+    ASSERT_EQ(lines.size(), 5u);
+    EXPECT_EQ(lines[0], "a line the user wrote earlier");
+    EXPECT_EQ(lines[2], "vorn info:  issuing to CPU (under threshold)");
+    EXPECT_EQ(lines[4], "vorn info:  done");
+}
+
+// A log file that cannot be opened, the empty name included, leaves one error
+// line on stdout and the log on stdout with info lines on.
+class UnopenableLog : public testing::TestWithParam<const char*> {};
+TEST_P(UnopenableLog, LogsToStdoutWithVerboseOn) {
+    setEnv("VORN_DEBUG_LOG", GetParam());
+    StdoutCapture capture;
+    smallCall();
+    const std::string out = capture.stop();
+    EXPECT_EQ(out.substr(0, out.find('\n')),
+              std::string("vorn error: cannot log to '") + GetParam() + "', using stdout");
+    EXPECT_NE(out.find("vorn info:  issuing to CPU (under threshold)\n"), std::string::npos);
+    EXPECT_NE(out.find("vorn info:  done\n"), std::string::npos);
+}
+INSTANTIATE_TEST_SUITE_P(Paths, UnopenableLog, testing::Values("/nonexistent-folder/vorn.log", ""));
+
+// VORN_CPU_ALWAYS and VORN_GPU_ALWAYS count only with the exact value "1".
+struct RoutingCase {
+    const char* variable;
+    const char* value;
+    int n;
+    const char* issuingLine;
+    friend void PrintTo(const RoutingCase& c, std::ostream* out) {
+        *out << c.variable << "='" << c.value << "' n=" << c.n;
+    }
+};
+class RoutingSetting : public testing::TestWithParam<RoutingCase> {};
+TEST_P(RoutingSetting, ChoosesTheSide) {
+    const auto& c = GetParam();
+    const std::string log = useLogFile();
+    setEnv(c.variable, c.value);
+    int n = c.n;
+    auto a = spdMatrix(n, n);
+    int info = -99;
+    spotrf("U", &n, a.data(), &n, &info);
+    EXPECT_EQ(info, 0);
+    EXPECT_THAT(linesStartingWith(readLines(log), "vorn info:  issuing"), ElementsAre(c.issuingLine));
+}
+INSTANTIATE_TEST_SUITE_P(
+    ExactOne, RoutingSetting,
+    testing::Values(RoutingCase{"VORN_CPU_ALWAYS", "1", 1100, "vorn info:  issuing to CPU (configured to always choose CPU)"},
+                    RoutingCase{"VORN_CPU_ALWAYS", "true", 1100, "vorn info:  issuing to GPU (over threshold)"},
+                    RoutingCase{"VORN_GPU_ALWAYS", "1", 4, "vorn info:  issuing to GPU (configured to always choose GPU)"},
+                    RoutingCase{"VORN_GPU_ALWAYS", "1 ", 4, "vorn info:  issuing to CPU (under threshold)"}));
+
+// In ILP64 mode integers are 8 bytes: the library reads the low half and leaves a
+// full 64-bit info. In the default mode the high half of info is not touched.
+struct Ilp64Case {
+    const char* value;
+    uint64_t infoAfter;  // the caller's info was all ones
+    friend void PrintTo(const Ilp64Case& c, std::ostream* out) { *out << "VORN_ILP64='" << c.value << "'"; }
+};
+class Ilp64Setting : public testing::TestWithParam<Ilp64Case> {};
+TEST_P(Ilp64Setting, ClearsTheHighHalfOfInfoOnlyInIlp64Mode) {
+    const std::string log = useLogFile();
+    setEnv("VORN_ILP64", GetParam().value);
+    int64_t n = 4, lda = 4;
+    if (GetParam().value == std::string("1")) n += int64_t{1} << 32;  // high half ignored
+    auto a = spdMatrix(4, 4);
+    uint64_t info = ~uint64_t{0};
+    spotrf("L", &n, a.data(), &lda, &info);
+    EXPECT_EQ(info, GetParam().infoAfter);
+    EXPECT_EQ(readLines(log).at(0), spotrfEntryLine('L', 4, a.data(), 4));
+}
+INSTANTIATE_TEST_SUITE_P(Modes, Ilp64Setting,
+                         testing::Values(Ilp64Case{"1", 0}, Ilp64Case{"true", 0xFFFFFFFF00000000u},
+                                         Ilp64Case{"11", 0xFFFFFFFF00000000u}));
+
+TEST(Startup, FailedGpuStartLogsBeforeAnythingElseAndRoutesToCpu) {
+    const std::string log = useLogFile();
+    const std::string record = useRecord();
+    setEnv("VORN_EMU_INIT_STATUS", "1");
+    int n = 1100;
+    auto a = spdMatrix(n, n);
+    int info = -99;
+    spotrf("U", &n, a.data(), &n, &info);
+    EXPECT_EQ(info, 0);
+    EXPECT_THAT(readLines(log), ElementsAre("vorn error: vornInitialize failed (no GPU present)",
+                                            "vorn info:  forwarding all calls to CPU",
+                                            spotrfEntryLine('U', 1100, a.data(), 1100),
+                                            "vorn info:  issuing to CPU (vorn not available)",
+                                            "vorn info:  CPU library is liblapackcpu.so", "vorn info:  done"));
+    EXPECT_THAT(readLines(record), ElementsAre("vornInitialize()"));  // never called again, no routine
+}
+
+TEST(Startup, FailedGpuStartIsSilentWithVerboseOff) {
+    setEnv("VORN_EMU_INIT_STATUS", "1");
+    int n = 1100;
+    auto a = spdMatrix(n, n);
+    int referenceInfo;
+    const auto reference = referenceFactor('U', n, n, a, &referenceInfo);
+    int info = -99;
+    StdoutCapture capture;
+    spotrf("U", &n, a.data(), &n, &info);
+    EXPECT_EQ(capture.stop(), "");
+    EXPECT_EQ(info, 0);
+    EXPECT_TRUE(sameBits(a, reference));
+}
+
+TEST(Startup, ConcurrentFirstCallsInitialiseOnce) {
+    const std::string record = useRecord();
+    setEnv("VORN_EMU_INIT_DELAY_MS", "300");  // keeps the other threads waiting at the lock
+    constexpr int threads = 8;
+    std::barrier start(threads);
+    std::vector<std::thread> callers;
+    std::vector<int> infos(threads, -99);
+    for (int t = 0; t < threads; ++t) {
+        callers.emplace_back([&, t] {
+            int n = spotrfCrossover;
+            auto a = spdMatrix(n, n);
+            start.arrive_and_wait();
+            spotrf("L", &n, a.data(), &n, &infos[t]);
+        });
+    }
+    for (auto& caller : callers) caller.join();
+    const auto lines = readLines(record);
+    ASSERT_EQ(lines.size(), 1u + threads);
+    EXPECT_EQ(lines[0], "vornInitialize()");  // every routine call came after it
+    EXPECT_EQ(linesStartingWith(lines, "vornSpotrf(L, 1024, ").size(), std::size_t{threads});
+    EXPECT_EQ(infos, std::vector<int>(threads, 0));
+}
+
+TEST(Startup, ShutdownRunsAtExitOnlyAfterSuccessfulStart) {
+    const std::string record = useRecord();
+    EXPECT_EQ(inChild([] { smallCall(); }), 0);
+    EXPECT_THAT(readLines(record), ElementsAre("vornInitialize()", "vornShutdown()"));
+
+    std::remove(record.c_str());
+    setEnv("VORN_EMU_INIT_STATUS", "1");
+    EXPECT_EQ(inChild([] { smallCall(); }), 0);
+    EXPECT_THAT(readLines(record), ElementsAre("vornInitialize()"));
+}
+
+TEST(Startup, LoadingAndExitingWithoutACallRunNothing) {
+    const std::string record = useRecord();
+    setEnv("VORN_VERBOSE", "1");
+    StdoutCapture capture;
+    EXPECT_EQ(inChild([] {}), 0);  // the link library is loaded in the child too
+    EXPECT_EQ(capture.stop(), "");
+    EXPECT_THAT(readLines(record), IsEmpty());
+}
