@@ -84,6 +84,32 @@ bool measureUnderCrossover(CallWords words) {
     }
 }
 
+inline void linkLogInfoReturned(int32_t value) {
+    if (linkState.verbose && value != 0) linkWriteLine("vorn info:  info returned as %d\n", value);
+}
+
+// The GPU call of one pass. Gives true when the GPU library answered the call:
+// status 0, or in classes B and C status 7 or 8, whose info it then stores. Any
+// other status is a failure: its two error lines are written and false given, and
+// the caller's arrays are as the GPU library left them, untouched.
+template <class Routine>
+bool routedGpuCall(CallWords words, void* info) {
+    const int status = Routine::Gpu::call(words);
+    if constexpr (Routine::Args::frameClass != FrameClass::A) {
+        if (status == VORN_STATUS_INFO_NUMERICAL || status == VORN_STATUS_INFO_ARGUMENT) {
+            const int32_t value = vornGetErrorInfo();
+            linkStoreInteger(info, value);
+            linkLogInfoReturned(value);
+            return true;
+        }
+        if (status == VORN_STATUS_SUCCESS) linkStoreInteger(info, 0);
+    }
+    if (status == VORN_STATUS_SUCCESS) return true;
+    linkWriteLine("vorn error: %s\n", vornGetStatusString(status));
+    linkWriteLine("vorn error: Retrying with CPU\n");
+    return false;
+}
+
 template <class Routine>
 void routedFrame(CallWords words) {
     using Args = typename Routine::Args;
@@ -104,13 +130,17 @@ void routedFrame(CallWords words) {
     const bool excluded = Routine::crossover() == crossoverNever;
     bool workQuery = false;
     if constexpr (hasWorkQuery) workQuery = words.integer(Args::lwork) == -1;
-    bool retry = false;
 
     linkPackIntegerArrays<Routine>(words);
+    auto commonEnd = [&] {
+        linkUnpackIntegerArrays<Routine>(words);
+        if (linkState.verbose) linkWriteLine("vorn info:  done\n");
+    };
 
     // At most two passes: the first may reach the GPU; a failure there brings a
-    // second pass, which always leads to the CPU.
-    for (;;) {
+    // second pass, which always leads to the CPU. Each pass reads the flags, the
+    // crossover and the measure afresh, for the reason and again for the side.
+    for (bool retry = false;; retry = true) {
         auto state = [&] {
             return RouteState{linkState.gpuUnavailable != 0, retry, workQuery, excluded,
                               linkState.cpuAlways != 0, linkState.gpuAlways != 0,
@@ -118,27 +148,7 @@ void routedFrame(CallWords words) {
         };
         linkLogIssue(linkChooseReason(state()));
         if (!linkRouteToGpu(state())) break;
-
-        const int status = Routine::Gpu::call(words);
-        if constexpr (hasInfo) {
-            if (status == VORN_STATUS_INFO_NUMERICAL || status == VORN_STATUS_INFO_ARGUMENT) {
-                const int32_t value = vornGetErrorInfo();
-                linkStoreInteger(info, value);
-                if (linkState.verbose && value != 0) linkWriteLine("vorn info:  info returned as %d\n", value);
-                linkUnpackIntegerArrays<Routine>(words);
-                if (linkState.verbose) linkWriteLine("vorn info:  done\n");
-                return;
-            }
-            if (status == VORN_STATUS_SUCCESS) linkStoreInteger(info, 0);
-        }
-        if (status == VORN_STATUS_SUCCESS) {
-            linkUnpackIntegerArrays<Routine>(words);
-            if (linkState.verbose) linkWriteLine("vorn info:  done\n");
-            return;
-        }
-        linkWriteLine("vorn error: %s\n", vornGetStatusString(status));
-        linkWriteLine("vorn error: Retrying with CPU\n");
-        retry = true;
+        if (routedGpuCall<Routine>(words, info)) return commonEnd();
     }
 
     if (!linkInitCpu()) return;  // exit F1
@@ -147,15 +157,11 @@ void routedFrame(CallWords words) {
 
     callCpuWords(function, words, std::make_index_sequence<Args::wordCount>{});
 
-    if constexpr (hasInfo) {
-        const int32_t value = linkTakeInteger(info);
-        if (linkState.verbose && value != 0) linkWriteLine("vorn info:  info returned as %d\n", value);
-    }
+    if constexpr (hasInfo) linkLogInfoReturned(linkTakeInteger(info));
     if constexpr (hasWorkQuery) {
         if (linkState.verbose && workQuery) linkWriteWorkLines<Routine>(words, typename Args::WorkLines{});
     }
-    linkUnpackIntegerArrays<Routine>(words);
-    if (linkState.verbose) linkWriteLine("vorn info:  done\n");
+    commonEnd();
 }
 
 // Defines the exported implementation of a routed routine: its base name, its
