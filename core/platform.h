@@ -18,6 +18,16 @@ struct PlatformLock {
 // loaded. An empty name always fails (some loaders answer it with the main program).
 void* platformLoadLibrary(const char* name);
 
+// Loads a shared library so that its own references never resolve to another
+// module's symbols, whatever the process has loaded already, and gives its handle,
+// or null. For the CPU library's BLAS: its internal calls must not reach the link
+// library's exports of the same names. Messages the library prints to its
+// standard output reach the process's standard output unbuffered.
+void* platformLoadIsolatedLibrary(const char* name);
+
+// Why the last load on this thread failed.
+const char* platformLoadError();
+
 // Gives the address of a symbol of a loaded library, or null.
 void* platformFindSymbol(void* library, const char* name);
 

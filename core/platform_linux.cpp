@@ -3,6 +3,7 @@
 #include "core/platform.h"
 
 #include <atomic>
+#include <cstdio>
 #include <dlfcn.h>
 #include <pthread.h>
 
@@ -22,6 +23,27 @@ void* platformLoadLibrary(const char* name) {
     // link library's own exports; a name that names nothing must fail instead.
     if (name == nullptr || name[0] == '\0') return nullptr;
     return dlopen(name, loadFlags);
+}
+
+// RTLD_DEEPBIND isolates only a library that the process has not loaded yet; an
+// application linked against the same BLAS defeats it. A link-map namespace of the
+// library's own isolates in every case. The namespace has a private copy of the C
+// library, whose stdout is not flushed at exit: making that stream unbuffered sends
+// each message (a BLAS's xerbla, say) to the process's standard output at once.
+void* platformLoadIsolatedLibrary(const char* name) {
+    if (name == nullptr || name[0] == '\0') return nullptr;
+    void* library = dlmopen(LM_ID_NEWLM, name, RTLD_NOW | RTLD_LOCAL);
+    if (library == nullptr) return nullptr;
+    auto privateStdout = static_cast<FILE**>(dlsym(library, "stdout"));
+    using Setvbuf = int (*)(FILE*, char*, int, size_t);
+    auto privateSetvbuf = reinterpret_cast<Setvbuf>(dlsym(library, "setvbuf"));
+    if (privateStdout != nullptr && privateSetvbuf != nullptr) privateSetvbuf(*privateStdout, nullptr, _IONBF, 0);
+    return library;
+}
+
+const char* platformLoadError() {
+    const char* error = dlerror();
+    return error != nullptr ? error : "no error";
 }
 
 void* platformFindSymbol(void* library, const char* name) {

@@ -2,7 +2,8 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <dlfcn.h>
+
+#include "core/platform.h"
 
 // The back end's file: VORN_LAPACKCPU_BACKEND, else Debian's OpenBLAS.
 static const char* backendPath() {
@@ -10,30 +11,19 @@ static const char* backendPath() {
     return path != nullptr ? path : "libopenblas.so.0";
 }
 
-// The namespace has a private copy of the C library, whose stdout is not flushed
-// at exit: the back end's xerbla messages would be lost. Making that stream
-// unbuffered sends each message to the process's standard output at once.
-static void unbufferPrivateStdout(void* backend) {
-    auto privateStdout = static_cast<FILE**>(dlsym(backend, "stdout"));
-    using Setvbuf = int (*)(FILE*, char*, int, size_t);
-    auto privateSetvbuf = reinterpret_cast<Setvbuf>(dlsym(backend, "setvbuf"));
-    if (privateStdout != nullptr && privateSetvbuf != nullptr) {
-        privateSetvbuf(*privateStdout, nullptr, _IONBF, 0);
-    }
-}
-
 static void* loadBackend() {
-    void* backend = dlmopen(LM_ID_NEWLM, backendPath(), RTLD_NOW | RTLD_LOCAL);
+    void* backend = platformLoadIsolatedLibrary(backendPath());
     if (backend == nullptr) {
-        std::fprintf(stderr, "lapackcpu: cannot load the BLAS/LAPACK back end '%s': %s\n",
-                     backendPath(), dlerror());
-        return nullptr;
+        std::fprintf(stderr, "lapackcpu: cannot load the BLAS/LAPACK back end '%s': %s\n", backendPath(),
+                     platformLoadError());
     }
-    unbufferPrivateStdout(backend);
     return backend;
 }
 
 void* fortranSymbol(const char* name) {
     static void* const backend = loadBackend();  // thread-safe, once
-    return backend != nullptr ? dlsym(backend, name) : nullptr;
+    if (backend == nullptr) return nullptr;  // already reported by loadBackend
+    void* function = platformFindSymbol(backend, name);
+    if (function == nullptr) std::fprintf(stderr, "lapackcpu: back end lacks %s\n", name);
+    return function;
 }

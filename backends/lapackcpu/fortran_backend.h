@@ -5,5 +5,6 @@
 #pragma once
 
 // Gives the back end's function for a Fortran symbol ("spotrf_"), or null. The
-// back end is loaded on first use; a failure to load is reported once on stderr.
+// back end is loaded on first use; a failure to load is reported once on stderr,
+// a symbol the loaded back end lacks on each look-up of it.
 void* fortranSymbol(const char* name);

@@ -1,7 +1,6 @@
 // The CPU library: undecorated lower-case names in our argument convention,
 // forwarded to the Fortran back end.
 #include <cstddef>
-#include <cstdio>
 #include <utility>
 
 #include "exports/words.h"
@@ -16,10 +15,7 @@ struct FortranSlot {
 };
 
 void* resolve(FortranSlot& slot) {
-    if (slot.function == nullptr) {
-        slot.function = fortranSymbol(slot.symbol);
-        if (slot.function == nullptr) std::fprintf(stderr, "lapackcpu: back end lacks %s\n", slot.symbol);
-    }
+    if (slot.function == nullptr) slot.function = fortranSymbol(slot.symbol);
     return slot.function;
 }
 

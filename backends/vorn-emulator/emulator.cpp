@@ -10,6 +10,7 @@
 #include "core/platform.h"
 
 static void* cpuLibrary;
+static int readiness = VORN_STATUS_NOT_INITIALIZED;  // vornInitialize's last status
 static thread_local int errorInfo;
 
 void emulatorRecord(const char* format, ...) {
@@ -42,6 +43,8 @@ ForcedStatus emulatorForcedStatus(const char* routine) {
     return {false, 0, 0};
 }
 
+int emulatorReadiness() { return readiness; }
+
 void* emulatorCpuFunction(const char* routine) {
     return cpuLibrary != nullptr ? platformFindSymbol(cpuLibrary, routine) : nullptr;
 }
@@ -63,11 +66,12 @@ int vornInitialize(void) {
         std::this_thread::sleep_for(std::chrono::milliseconds(std::atoi(delay)));
     }
     if (const char* status = std::getenv("VORN_EMU_INIT_STATUS")) {
-        if (std::atoi(status) != 0) return std::atoi(status);
+        if (std::atoi(status) != 0) return readiness = std::atoi(status);
     }
     const char* path = std::getenv("VORN_EMU_CPU_LIB");
     cpuLibrary = platformLoadLibrary(path != nullptr ? path : "liblapackcpu.so");
-    return cpuLibrary != nullptr ? VORN_STATUS_SUCCESS : VORN_STATUS_DEPENDENCY_MISSING;
+    readiness = cpuLibrary != nullptr ? VORN_STATUS_SUCCESS : VORN_STATUS_DEPENDENCY_MISSING;
+    return readiness;
 }
 
 void vornShutdown(void) { emulatorRecord("vornShutdown()"); }

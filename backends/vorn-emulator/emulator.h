@@ -29,6 +29,10 @@ ForcedStatus emulatorForcedStatus(const char* routine);
 // Appends a line to the record file when VORN_EMU_RECORD is set.
 [[gnu::format(printf, 1, 2)]] void emulatorRecord(const char* format, ...);
 
+// 0 when routines can run: vornInitialize succeeded. Else the status a routine
+// gives: not initialised, or the CPU library missing.
+int emulatorReadiness();
+
 // The CPU library's function for a routine, or null.
 void* emulatorCpuFunction(const char* routine);
 
@@ -75,8 +79,9 @@ int emulate(const char* gpuName, Args... args) {
         emulatorSetErrorInfo(forced.info);
         return forced.status;
     }
+    if (const int readiness = emulatorReadiness()) return readiness;
     void* function = emulatorCpuFunction(Routine.c_str());
-    if (function == nullptr) return VORN_STATUS_DEPENDENCY_MISSING;
+    if (function == nullptr) return VORN_STATUS_NOT_AVAILABLE;
     auto address = [](auto& value) -> void* {
         if constexpr (std::is_pointer_v<std::remove_reference_t<decltype(value)>>) {
             return const_cast<void*>(static_cast<const void*>(value));

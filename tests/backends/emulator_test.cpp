@@ -1,0 +1,166 @@
+// The emulator GPU library, called as the link library calls it: its results and
+// info answers against OpenBLAS, its failure knobs, its record and the per-thread
+// error info.
+#include <cstddef>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <set>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "test_support.h"
+#include "vorn_lapack.h"
+
+// OpenBLAS, linked into this program, with gfortran's hidden length.
+extern "C" void spotrf_(const char* uplo, const int* n, float* a, const int* lda, int* info, std::size_t);
+
+namespace {
+
+// A column-major n x n matrix with leading dimension lda (padding rows -7):
+// symmetric positive definite, or with a negative (k,k) element when not.
+std::vector<float> spdMatrix(int n, int lda, bool definite = true, int k = 2) {
+    std::vector<float> a(static_cast<std::size_t>(lda) * n, -7.0f);
+    for (int j = 0; j < n; ++j)
+        for (int i = 0; i < n; ++i)
+            a[i + static_cast<std::size_t>(j) * lda] = i == j ? float(n) : 1.0f / float(1 + (i > j ? i - j : j - i));
+    if (!definite) a[(k - 1) + static_cast<std::size_t>(k - 1) * lda] = -1.0f;
+    return a;
+}
+
+std::vector<float> referenceFactor(char uplo, int n, int lda, std::vector<float> a, int* info) {
+    spotrf_(&uplo, &n, a.data(), &lda, info, 1);
+    return a;
+}
+
+bool sameBits(const std::vector<float>& x, const std::vector<float>& y) {
+    return x.size() == y.size() && std::memcmp(x.data(), y.data(), x.size() * sizeof(float)) == 0;
+}
+
+}  // namespace
+
+TEST(VornEmulator, SpotrfComputesWhatOpenBlasComputes) {
+    ASSERT_EQ(vornInitialize(), VORN_STATUS_SUCCESS);
+    const int n = 6, lda = 8;
+    for (char uplo : {'U', 'L'}) {
+        SCOPED_TRACE(uplo);
+        auto a = spdMatrix(n, lda);
+        int info = -99;
+        const auto expected = referenceFactor(uplo, n, lda, a, &info);
+        ASSERT_EQ(info, 0);
+        EXPECT_EQ(vornSpotrf(uplo, n, a.data(), lda), VORN_STATUS_SUCCESS);
+        EXPECT_TRUE(sameBits(a, expected));
+    }
+}
+
+TEST(VornEmulator, InfoBecomesStatusSevenOrEight) {
+    ASSERT_EQ(vornInitialize(), VORN_STATUS_SUCCESS);
+    const int n = 5, lda = 5;
+    auto a = spdMatrix(n, lda, false, 3);
+    int info = 0;
+    const auto expected = referenceFactor('L', n, lda, a, &info);
+    ASSERT_GT(info, 0);
+    EXPECT_EQ(vornSpotrf('L', n, a.data(), lda), VORN_STATUS_INFO_NUMERICAL);
+    EXPECT_EQ(vornGetErrorInfo(), info);
+    EXPECT_TRUE(sameBits(a, expected));  // LAPACK's partial factor, as on the CPU
+
+    float one = 1.0f;
+    StdoutCapture quiet;  // OpenBLAS's xerbla message is not the subject here
+    EXPECT_EQ(vornSpotrf('U', -1, &one, 1), VORN_STATUS_INFO_ARGUMENT);
+    quiet.stop();
+    EXPECT_EQ(vornGetErrorInfo(), -2);
+    EXPECT_EQ(one, 1.0f);
+}
+
+TEST(VornEmulator, ForcedStatusesLeaveTheArrayAlone) {
+    ASSERT_EQ(vornInitialize(), VORN_STATUS_SUCCESS);
+    const int n = 4, lda = 5;
+    const auto original = spdMatrix(n, lda);
+    struct Case {
+        const char* setting;
+        int status, info;
+    };
+    for (const Case& c : {Case{"spotrf=4", 4, 0}, Case{"spotrf=7:5", 7, 5}, Case{"dgemm=4,spotrf=8:-1", 8, -1},
+                          Case{"spotrf2=3,dspotrf=3,spotrf=6", 6, 0}}) {
+        SCOPED_TRACE(c.setting);
+        setEnv("VORN_EMU_STATUS", c.setting);
+        auto a = original;
+        EXPECT_EQ(vornSpotrf('U', n, a.data(), lda), c.status);
+        EXPECT_EQ(vornGetErrorInfo(), c.info);
+        EXPECT_TRUE(sameBits(a, original));
+    }
+    // Entries for other routines only: spotrf computes.
+    setEnv("VORN_EMU_STATUS", "dgemm=4,spotrf2=3");
+    auto a = original;
+    int info = -99;
+    const auto expected = referenceFactor('U', n, lda, a, &info);
+    EXPECT_EQ(vornSpotrf('U', n, a.data(), lda), VORN_STATUS_SUCCESS);
+    EXPECT_TRUE(sameBits(a, expected));
+}
+
+TEST(VornEmulator, InitializeReturnsTheForcedStatus) {
+    setEnv("VORN_EMU_INIT_STATUS", "1");
+    EXPECT_EQ(vornInitialize(), VORN_STATUS_NO_DEVICE);
+}
+
+TEST(VornEmulator, InitializeWithoutTheCpuLibraryFails) {
+    setEnv("VORN_EMU_CPU_LIB", tempPath("no-such-lapackcpu.so"));
+    EXPECT_EQ(vornInitialize(), VORN_STATUS_DEPENDENCY_MISSING);
+    float one = 1.0f;
+    const int status = vornSpotrf('U', 1, &one, 1);
+    EXPECT_NE(status, VORN_STATUS_SUCCESS);
+    EXPECT_NE(status, VORN_STATUS_INFO_NUMERICAL);
+    EXPECT_NE(status, VORN_STATUS_INFO_ARGUMENT);
+    EXPECT_EQ(one, 1.0f);
+}
+
+TEST(VornEmulator, RecordListsTheCallsInOrder) {
+    const std::string record = tempPath("emulator.record");
+    setEnv("VORN_EMU_RECORD", record);
+    ASSERT_EQ(vornInitialize(), VORN_STATUS_SUCCESS);
+    auto a = spdMatrix(3, 4);
+    EXPECT_EQ(vornSpotrf('U', 3, a.data(), 4), VORN_STATUS_SUCCESS);
+    vornShutdown();
+    const std::vector<std::string> expected = {"vornInitialize()", "vornSpotrf(U, 3, " + pointerText(a.data()) + ", 4)",
+                                               "vornShutdown()"};
+    EXPECT_EQ(readLines(record), expected);
+}
+
+TEST(VornEmulator, ErrorInfoIsPerThread) {
+    ASSERT_EQ(vornInitialize(), VORN_STATUS_SUCCESS);
+    auto a = spdMatrix(4, 4, false, 2);
+    ASSERT_EQ(vornSpotrf('U', 4, a.data(), 4), VORN_STATUS_INFO_NUMERICAL);
+    ASSERT_EQ(vornGetErrorInfo(), 2);
+
+    int otherStatus = -1, otherInfo = 0, freshInfo = -1;
+    std::thread other([&] {
+        auto b = spdMatrix(5, 5, false, 4);
+        otherStatus = vornSpotrf('L', 5, b.data(), 5);
+        otherInfo = vornGetErrorInfo();
+    });
+    other.join();
+    std::thread fresh([&] { freshInfo = vornGetErrorInfo(); });
+    fresh.join();
+
+    EXPECT_EQ(otherStatus, VORN_STATUS_INFO_NUMERICAL);
+    EXPECT_EQ(otherInfo, 4);
+    EXPECT_EQ(freshInfo, 0);
+    EXPECT_EQ(vornGetErrorInfo(), 2);
+}
+
+TEST(VornEmulator, EveryStatusHasItsOwnText) {
+    std::set<std::string> texts;
+    for (int status = 0; status <= 8; ++status) {
+        const char* text = vornGetStatusString(status);
+        ASSERT_NE(text, nullptr) << status;
+        EXPECT_STRNE(text, "") << status;
+        texts.insert(text);
+    }
+    EXPECT_EQ(texts.size(), 9u);
+    for (int unknown : {-1, 9, 1000}) {
+        const char* text = vornGetStatusString(unknown);
+        ASSERT_NE(text, nullptr) << unknown;
+        EXPECT_STRNE(text, "") << unknown;
+        EXPECT_EQ(texts.count(text), 0u) << unknown << " reads like a known status";
+    }
+}
