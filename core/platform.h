@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
 
 // Storage for the platform's recursive lock: a pthread mutex on Linux, a critical
 // section on Windows (40 bytes each on x86-64). Each platform file checks that its
@@ -44,3 +45,12 @@ int32_t platformCompareAndSwap(int32_t* target, int32_t expected, int32_t desire
 // written before it.
 void platformStoreRelease(int32_t* flag, int32_t value);
 int32_t platformLoadAcquire(const int32_t* flag);
+
+// Reads one line of a text file as fgets does, at most size - 1 bytes up to and
+// including the newline, and terminates it. A CR LF line end reads as a newline,
+// as text mode gives it on Windows. Gives null when nothing could be read.
+char* platformReadTextLine(char* buffer, int size, FILE* stream);
+
+// strtol in base 0, with the result of a platform whose long is 32 bits: a value
+// beyond the signed 32-bit range gives 2147483647 or -2147483648.
+int32_t platformParseLong(const char* text);

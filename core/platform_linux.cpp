@@ -3,7 +3,9 @@
 #include "core/platform.h"
 
 #include <atomic>
+#include <climits>
 #include <cstdio>
+#include <cstdlib>
 #include <dlfcn.h>
 #include <pthread.h>
 
@@ -78,4 +80,35 @@ void platformStoreRelease(int32_t* flag, int32_t value) {
 
 int32_t platformLoadAcquire(const int32_t* flag) {
     return std::atomic_ref<int32_t>(*const_cast<int32_t*>(flag)).load(std::memory_order_acquire);
+}
+
+// Linux reads text files as they are; Windows text mode turns CR LF into LF
+// before the reader sees it. A lone CR stays a CR on both.
+char* platformReadTextLine(char* buffer, int size, FILE* stream) {
+    int used = 0;
+    while (used < size - 1) {
+        int c = std::getc(stream);
+        if (c == EOF) break;
+        if (c == '\r') {
+            const int next = std::getc(stream);
+            if (next == '\n') {
+                c = '\n';
+            } else if (next != EOF) {
+                std::ungetc(next, stream);
+            }
+        }
+        buffer[used++] = static_cast<char>(c);
+        if (c == '\n') break;
+    }
+    if (used == 0) return nullptr;
+    buffer[used] = '\0';
+    return buffer;
+}
+
+// long is 64 bits here; a platform with a 32-bit long saturates at its range.
+int32_t platformParseLong(const char* text) {
+    const long value = std::strtol(text, nullptr, 0);
+    if (value > INT32_MAX) return INT32_MAX;
+    if (value < INT32_MIN) return INT32_MIN;
+    return static_cast<int32_t>(value);
 }
