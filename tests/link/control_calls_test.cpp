@@ -1,0 +1,206 @@
+// The run-time control calls: each runs the start-up, then sets or clears one
+// flag, which the next routed call reads; the flags' order against the other
+// reasons, and the one-time test of both flags set. Each test is its own process.
+#include <gtest/gtest.h>
+
+#include "link_test.h"
+
+extern "C" void vornLinkSetCpuAlways();
+extern "C" void vornLinkSetGpuAlways();
+extern "C" void vornLinkClearCpuAlways();
+extern "C" void vornLinkClearGpuAlways();
+
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+
+namespace {
+
+// Sizes under and at spotrf's default crossover; `listed` lowers the crossover
+// through a list file, and a call at `overListed` going to the GPU proves it read.
+constexpr int under = 8;
+constexpr int listed = 64;
+constexpr int overListed = 100;
+
+const char* const cpuAlwaysLine = "vorn info:  issuing to CPU (configured to always choose CPU)";
+const char* const gpuAlwaysLine = "vorn info:  issuing to GPU (configured to always choose GPU)";
+const char* const underLine = "vorn info:  issuing to CPU (under threshold)";
+const char* const overLine = "vorn info:  issuing to GPU (over threshold)";
+const char* const cpuLibraryLine = "vorn info:  CPU library is liblapackcpu.so";
+const char* const ignoringBothLine =
+    "vorn error: both VORN_CPU_ALWAYS and VORN_GPU_ALWAYS are set; ignoring both";
+
+std::string useCrossoverList(const std::string& content) {
+    const std::string path = tempPath("crossovers.txt");
+    writeFile(path, content);
+    setEnv("VORN_CROSSOVER_LIST", path);
+    return path;
+}
+
+// The log and the emulator's record that a sequence of spotrf calls should leave.
+struct Expected {
+    std::vector<std::string> log;
+    std::vector<std::string> record{"vornInitialize()"};
+
+    // Factors an n x n matrix and adds the call's lines: the entry line, the
+    // issuing line, `extra` (lines of the CPU library's binding) and "done".
+    void spotrfCall(int n, const char* issuing, std::vector<std::string> extra = {}) {
+        auto a = spdMatrix(n, n);
+        int info = -99;
+        spotrf("L", &n, a.data(), &n, &info);
+        EXPECT_EQ(info, 0) << "n = " << n;
+        log.push_back(spotrfEntryLine('L', n, a.data(), n));
+        log.push_back(issuing);
+        log.insert(log.end(), extra.begin(), extra.end());
+        log.push_back("vorn info:  done");
+        if (std::string(issuing).find("to GPU") != std::string::npos)
+            record.push_back(emulatorSpotrfLine('L', n, a.data(), n));
+    }
+};
+
+}  // namespace
+
+// A control call as the first call of the process runs the whole start-up (the
+// GPU library's initialisation, the list, the environment read before the flag is
+// written, so the call wins) and rules the routines after it.
+struct FirstCallCase {
+    const char* name;
+    void (*call)();
+    const char* environment;  // set to "1" before the call; null for none
+    int n;
+    const char* issuing;
+    friend void PrintTo(const FirstCallCase& c, std::ostream* out) { *out << c.name; }
+};
+class FirstControlCall : public testing::TestWithParam<FirstCallCase> {};
+TEST_P(FirstControlCall, RunsTheStartUpAndRulesLaterCalls) {
+    const auto& c = GetParam();
+    const std::string log = useLogFile();
+    const std::string record = useRecord();
+    const std::string list = useCrossoverList("spotrf=" + std::to_string(listed) + "\n");
+    if (c.environment != nullptr) setEnv(c.environment, "1");
+    c.call();
+    Expected expected;
+    expected.log = {"vorn info:  parsing crossover list '" + list + "'",
+                    "vorn info:  setting crossover for spotrf to '" + std::to_string(listed) + "'"};
+    EXPECT_THAT(readLines(log), ElementsAreArray(expected.log));
+    EXPECT_THAT(readLines(record), ElementsAreArray(expected.record));
+
+    const bool onCpu = std::string(c.issuing).find("to CPU") != std::string::npos;
+    expected.spotrfCall(c.n, c.issuing, onCpu ? std::vector<std::string>{cpuLibraryLine} : std::vector<std::string>{});
+    expected.spotrfCall(c.n, c.issuing);
+    EXPECT_THAT(readLines(log), ElementsAreArray(expected.log));
+    EXPECT_THAT(readLines(record), ElementsAreArray(expected.record));
+}
+INSTANTIATE_TEST_SUITE_P(
+    ControlCalls, FirstControlCall,
+    testing::Values(FirstCallCase{"SetCpuAlways", vornLinkSetCpuAlways, nullptr, overListed, cpuAlwaysLine},
+                    FirstCallCase{"SetGpuAlways", vornLinkSetGpuAlways, nullptr, under, gpuAlwaysLine},
+                    FirstCallCase{"ClearCpuAlwaysOverVornCpuAlways", vornLinkClearCpuAlways, "VORN_CPU_ALWAYS",
+                                  overListed, overLine},
+                    FirstCallCase{"ClearGpuAlwaysOverVornGpuAlways", vornLinkClearGpuAlways, "VORN_GPU_ALWAYS",
+                                  under, underLine}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+// VORN_CPU_ALWAYS=1 holds until the clear call, which releases every later call
+// to the crossover; the setting is not read again.
+TEST(ControlCalls, ClearCpuAlwaysOverridesTheEnvironmentFromThenOn) {
+    const std::string log = useLogFile();
+    const std::string record = useRecord();
+    setEnv("VORN_CPU_ALWAYS", "1");
+    Expected expected;
+    expected.spotrfCall(spotrfCrossover, cpuAlwaysLine, {cpuLibraryLine});
+    vornLinkClearCpuAlways();
+    expected.spotrfCall(spotrfCrossover, overLine);
+    expected.spotrfCall(under, underLine);
+    expected.spotrfCall(spotrfCrossover, overLine);
+    EXPECT_THAT(readLines(log), ElementsAreArray(expected.log));
+    EXPECT_THAT(readLines(record), ElementsAreArray(expected.record));
+}
+
+// A GPU library that failed to start and a routine excluded by the list outrank
+// gpuAlways: the routine stays on the CPU, whatever its size.
+struct OutrankCase {
+    const char* name;
+    const char* variable;
+    const char* value;
+    const char* issuing;
+    friend void PrintTo(const OutrankCase& c, std::ostream* out) { *out << c.name; }
+};
+class GpuAlwaysOutranked : public testing::TestWithParam<OutrankCase> {};
+TEST_P(GpuAlwaysOutranked, RoutineStaysOnTheCpu) {
+    const auto& c = GetParam();
+    const std::string log = useLogFile();
+    const std::string record = useRecord();
+    if (std::string(c.variable) == "VORN_CROSSOVER_LIST") {
+        useCrossoverList(c.value);
+    } else {
+        setEnv(c.variable, c.value);
+    }
+    vornLinkSetGpuAlways();
+    Expected expected;
+    expected.spotrfCall(under, c.issuing);
+    expected.spotrfCall(spotrfCrossover, c.issuing);
+    EXPECT_THAT(linesStartingWith(readLines(log), "vorn info:  issuing"), ElementsAre(c.issuing, c.issuing));
+    EXPECT_THAT(readLines(record), ElementsAre("vornInitialize()"));
+}
+INSTANTIATE_TEST_SUITE_P(
+    ControlCalls, GpuAlwaysOutranked,
+    testing::Values(OutrankCase{"FailedStart", "VORN_EMU_INIT_STATUS", "1", "vorn info:  issuing to CPU (vorn not available)"},
+                    OutrankCase{"Excluded", "VORN_CROSSOVER_LIST", "spotrf=never\n",
+                                "vorn info:  issuing to CPU (excluded by user)"}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+// Both flags set before the CPU library is bound: the first routine goes to the
+// CPU, whose binding reports the pair once and clears both; later calls follow
+// the crossover.
+TEST(ControlCalls, BothSetBeforeCpuBindingAreIgnoredOnce) {
+    const std::string log = useLogFile();
+    const std::string record = useRecord();
+    vornLinkSetCpuAlways();
+    vornLinkSetGpuAlways();
+    Expected expected;
+    expected.spotrfCall(spotrfCrossover, cpuAlwaysLine, {ignoringBothLine, cpuLibraryLine});
+    expected.spotrfCall(spotrfCrossover, overLine);
+    expected.spotrfCall(under, underLine);
+    vornLinkSetCpuAlways();  // a single flag is no pair: it rules as usual
+    expected.spotrfCall(spotrfCrossover, cpuAlwaysLine);
+    EXPECT_THAT(readLines(log), ElementsAreArray(expected.log));
+    EXPECT_THAT(readLines(record), ElementsAreArray(expected.record));
+}
+
+// Both flags set after the CPU library was bound: nothing looks at the pair again,
+// cpuAlways wins without a word, and the clear calls give the routing back.
+TEST(ControlCalls, BothSetAfterCpuBindingKeepCpuUntilCleared) {
+    const std::string log = useLogFile();
+    const std::string record = useRecord();
+    Expected expected;
+    expected.spotrfCall(under, underLine, {cpuLibraryLine});
+    vornLinkSetCpuAlways();
+    vornLinkSetGpuAlways();
+    expected.spotrfCall(spotrfCrossover, cpuAlwaysLine);
+    expected.spotrfCall(under, cpuAlwaysLine);
+    vornLinkClearCpuAlways();  // gpuAlways is still set
+    expected.spotrfCall(under, gpuAlwaysLine);
+    vornLinkClearGpuAlways();
+    expected.spotrfCall(under, underLine);
+    expected.spotrfCall(spotrfCrossover, overLine);
+    EXPECT_THAT(readLines(log), ElementsAreArray(expected.log));
+    EXPECT_THAT(readLines(record), ElementsAreArray(expected.record));
+}
+
+// With info lines on, the control calls, first or later, in any order and
+// repeated, write nothing, and the GPU library starts once.
+TEST(ControlCalls, WriteNoLineOfTheirOwn) {
+    const std::string record = useRecord();
+    setEnv("VORN_VERBOSE", "1");
+    StdoutCapture capture;
+    for (int round = 0; round < 2; ++round) {
+        vornLinkClearGpuAlways();
+        vornLinkSetCpuAlways();
+        vornLinkSetGpuAlways();
+        vornLinkClearCpuAlways();
+        vornLinkSetCpuAlways();
+        vornLinkClearGpuAlways();
+    }
+    EXPECT_EQ(capture.stop(), "");
+    EXPECT_THAT(readLines(record), ElementsAre("vornInitialize()"));
+}
