@@ -1,0 +1,464 @@
+// The routed frame for rows of class A (no info) and class C (info and a work
+// query), over a fake GPU library defined here and the recording CPU library:
+// the route of each call, the GPU statuses and the retry, work queries, the
+// failure exits, info in ILP64 mode, and the exact log lines of each.
+#include <cstdint>
+#include <cstdio>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+#include "recording_cpu.h"
+#include "routing/routed_frame.h"
+#include "test_support.h"
+
+using Lines = std::vector<std::string>;
+using Words = std::vector<void*>;
+
+template <class... T>
+static std::string text(const char* format, T... values) {
+    char buffer[512];
+    std::snprintf(buffer, sizeof buffer, format, values...);
+    return buffer;
+}
+
+// The fake GPU library: every answer is set by the test, and the routines keep
+// the by-value arguments of the last call.
+static struct {
+    int initStatus = 0, status = 0, errorInfo = 0, calls = 0;
+    std::string args;
+} gpu;
+
+int vornInitialize() { return gpu.initStatus; }
+void vornShutdown() {}
+const char* vornGetStatusString(int status) {
+    static std::string words;
+    return (words = text("fake failure %d", status)).c_str();
+}
+int vornGetErrorInfo() { return gpu.errorInfo; }
+
+namespace {
+
+template <class... T>
+int gpuCall(const char* format, T... values) {
+    gpu.args = text(format, values...);
+    return ++gpu.calls, gpu.status;
+}
+using Z = vornDoubleComplex;
+int fakeDgemm(char ta, char tb, int m, int n, int k, double al, double* a, int lda, double* b, int ldb, double be,
+              double* c, int ldc) {
+    return gpuCall("%c %c %d %d %d %g %p %d %p %d %g %p %d", ta, tb, m, n, k, al, a, lda, b, ldb, be, c, ldc);
+}
+int fakeZgemm(char ta, char tb, int m, int n, int k, Z al, Z* a, int lda, Z* b, int ldb, Z be, Z* c, int ldc) {
+    return gpuCall("%c %c %d %d %d (%g,%g) %p %d %p %d (%g,%g) %p %d", ta, tb, m, n, k, al.re, al.im, a, lda, b,
+                   ldb, be.re, be.im, c, ldc);
+}
+int fakeDgetri(int n, double* a, int lda, int* ipiv) { return gpuCall("%d %p %d %p", n, a, lda, ipiv); }
+int fakeSsyevd(char jobz, char uplo, int n, float* a, int lda, float* w) {
+    return gpuCall("%c %c %d %p %d %p", jobz, uplo, n, a, lda, w);
+}
+
+// Rows as the routine tables write them. gemm: 13 words, class A, measure
+// (m*n)*k formed in double, with a real or a complex scalar.
+template <template <int> class Scalar>
+struct gemmShape {
+    enum : int { transa = 1, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc, wordCount = ldc };
+    static constexpr FrameClass frameClass = FrameClass::A;
+    using GpuArgs = ArgList<Chr<transa>, Chr<transb>, Int<m>, Int<n>, Int<k>, Scalar<alpha>, Ptr<a>, Int<lda>,
+                            Ptr<b>, Int<ldb>, Scalar<beta>, Ptr<c>, Int<ldc>>;
+    static double measure(CallWords w) { return static_cast<double>(w.integer(m)) * w.integer(n) * w.integer(k); }
+};
+// getri: 7 words, class C, one real work line.
+struct getriShape {
+    enum : int { n = 1, a, lda, ipiv, work, lwork, info, wordCount = info };
+    static constexpr FrameClass frameClass = FrameClass::C;
+    using GpuArgs = ArgList<Int<n>, Ptr<a>, Int<lda>, Ptr<ipiv>>;
+    using WorkLines = ::WorkLines<WorkReal<work>>;
+    static int32_t measure(CallWords words) { return words.integer(n); }
+};
+// syevd: 11 words, class C, a real and an integer work line.
+struct syevdShape {
+    enum : int { jobz = 1, uplo, n, a, lda, w, work, lwork, iwork, liwork, info, wordCount = info };
+    static constexpr FrameClass frameClass = FrameClass::C;
+    using GpuArgs = ArgList<Chr<jobz>, Chr<uplo>, Int<n>, Ptr<a>, Int<lda>, Ptr<w>>;
+    using WorkLines = ::WorkLines<WorkReal<work>, WorkInt<iwork>>;
+    static int32_t measure(CallWords words) { return words.integer(n); }
+};
+
+using Dgemm = RoutedRoutine<"dfakegemm", gemmShape<Real>, fakeDgemm, &CrossoverTable::spotrf>;
+using Zgemm = RoutedRoutine<"zfakegemm", gemmShape<Cplx>, fakeZgemm, &CrossoverTable::spotrf>;
+using Dgetri = RoutedRoutine<"dfakegetri", getriShape, fakeDgetri, &CrossoverTable::spotrf>;
+using Ssyevd = RoutedRoutine<"sfakesyevd", syevdShape, fakeSsyevd, &CrossoverTable::spotrf>;
+// A row whose name the CPU library does not export.
+using Dmissing = RoutedRoutine<"dfakemissing", getriShape, fakeDgetri, &CrossoverTable::spotrf>;
+
+// Callers' arguments. Integers are 64 bits wide so that the same calls serve ILP64
+// mode; info starts with a pattern in both halves, and a LP64 call must keep the
+// high one.
+constexpr int64_t presetInfo = 0x7777777777777777;
+constexpr uint32_t presetHigh = 0x77777777;
+int32_t low(int64_t v) { return static_cast<int32_t>(v); }
+uint32_t high(int64_t v) { return static_cast<uint32_t>(static_cast<uint64_t>(v) >> 32); }
+
+struct GemmCall {
+    int64_t m, n, k, lda = 2, ldb = 3, ldc = 4;
+    char transa = 'N', transb = 'T';
+    double alpha[2] = {1.5, -2.25}, beta[2] = {0.5, 1}, a[4]{}, b[4]{}, c[4]{};
+    Words words() { return {&transa, &transb, &m, &n, &k, alpha, a, &lda, b, &ldb, beta, c, &ldc}; }
+    std::string entry(const char* name, bool complex) {
+        auto scalar = [&](double* s) { return complex ? text("(%f,%f)", s[0], s[1]) : text("%f", s[0]); };
+        return text("vorn info:  %s (N, T, %d, %d, %d, %s, %p, 2, %p, 3, %s, %p, 4)", name, low(m), low(n), low(k),
+                    scalar(alpha).c_str(), a, b, scalar(beta).c_str(), c);
+    }
+};
+struct GetriCall {
+    int64_t n, lwork, lda = 5, ipiv[4]{}, info = presetInfo;
+    double a[4]{}, work[2]{};
+    Words words() { return {&n, a, &lda, ipiv, work, &lwork, &info}; }
+    std::string entry(const char* name = "dfakegetri") {
+        return text("vorn info:  %s (%d, %p, 5, %p)", name, low(n), a, ipiv);
+    }
+};
+struct SyevdCall {
+    int64_t n, lwork, lda = 3, iwork[2]{}, liwork = -1, info = presetInfo;
+    char jobz = 'V', uplo = 'L';
+    float a[4]{}, w[2]{}, work[2]{};
+    Words words() { return {&jobz, &uplo, &n, a, &lda, w, work, &lwork, iwork, &liwork, &info}; }
+    std::string entry() { return text("vorn info:  sfakesyevd (V, L, %d, %p, 3, %p)", low(n), a, w); }
+};
+
+template <class Row, class Call>
+void run(Call& call) {
+    Words words = call.words();
+    routedFrame<Row>(CallWords{words.data()});
+}
+
+CpuRecord& cpu = *recordingCpu();
+Words cpuWords() { return Words(cpu.words, cpu.words + cpu.wordCount); }
+
+// The log file, read a call at a time.
+class Log {
+    std::string path_ = tempPath("vorn.log");
+    std::size_t seen_ = 0;
+
+public:
+    Log() { setEnv("VORN_DEBUG_LOG", path_); }
+    Lines next() {
+        Lines all = readLines(path_);
+        Lines fresh(all.begin() + seen_, all.end());
+        seen_ = all.size();
+        return fresh;
+    }
+};
+
+// Starts both back ends over the recording CPU library, so that each case below
+// sees only its own lines; gives what the start-up logged.
+Lines startUp(Log& log) {
+    setEnv("VORN_CPU_LIB", RECORDING_CPU_PATH);
+    linkInitGpu();
+    linkInitCpu();
+    crossoverTable.spotrf = 1024;
+    return log.next();
+}
+
+const std::string issuing = "vorn info:  issuing to ", done = "vorn info:  done";
+Lines operator+(Lines a, const Lines& b) { return a.insert(a.end(), b.begin(), b.end()), a; }
+// The lines of a failed GPU call up to the second pass's issuing line.
+Lines retried(int status) {
+    return {text("vorn error: fake failure %d", status), "vorn error: Retrying with CPU",
+            issuing + "CPU (retrying on GPU error)"};
+}
+
+}  // namespace
+
+// Class A: status 0 ends on the GPU; every other status, 7 and 8 included, is a
+// failure that reruns the call on the CPU with exactly the caller's words. No pass
+// prints an info line. 65536^3 is over the crossover, where a 32-bit product
+// would have wrapped to 0.
+TEST(FrameClassA, EveryNonZeroStatusRetriesOnTheCpu) {
+    Log log;
+    EXPECT_EQ(startUp(log), Lines{"vorn info:  CPU library is " RECORDING_CPU_PATH});
+    struct Case {
+        bool complex;
+        int status;
+    };
+    for (const Case c :
+         {Case{false, 0}, Case{false, 7}, Case{false, 8}, Case{false, 4}, Case{true, 0}, Case{true, 8}}) {
+        SCOPED_TRACE(text("complex %d status %d", c.complex, c.status));
+        GemmCall call{65536, 65536, 65536};
+        gpu.calls = cpu.calls = 0;
+        gpu.status = c.status;
+        c.complex ? run<Zgemm>(call) : run<Dgemm>(call);
+        const char* name = c.complex ? "zfakegemm" : "dfakegemm";
+        const Lines retry = c.status != 0 ? retried(c.status) : Lines{};
+        const Lines head{call.entry(name, c.complex), issuing + "GPU (over threshold)"};
+        EXPECT_EQ(log.next(), head + retry + Lines{done});
+        EXPECT_EQ(gpu.calls, 1);
+        const char* scalars = c.complex ? "(1.5,-2.25) %p 2 %p 3 (0.5,1)" : "1.5 %p 2 %p 3 0.5";
+        EXPECT_EQ(gpu.args, text(("N T 65536 65536 65536 " + std::string(scalars) + " %p 4").c_str(), call.a,
+                                 call.b, call.c));
+        EXPECT_EQ(cpu.calls, c.status != 0);
+        if (c.status != 0) {
+            EXPECT_STREQ(cpu.routine, name);
+            EXPECT_EQ(cpuWords(), call.words());
+        }
+    }
+}
+
+// The gemm measure is a double: no wrap in 32 bits, the crossover compared as a
+// double, and a measure equal to the crossover is over it.
+TEST(FrameClassA, MeasureIsADoubleProductAndEqualIsOver) {
+    Log log;
+    startUp(log);
+    struct Case {
+        int64_t m, n, k;
+        int32_t crossover;
+        bool over;
+    };
+    const Case cases[] = {{32, 32, 1, 1024, true},           {1023, 1, 1, 1024, false},
+                          {0, 7, 7, 1024, false},            {0, 7, 7, 0, true},
+                          {65536, 32768, 1, INT32_MAX, true}, {65535, 32768, 1, INT32_MAX, false}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(text("%d x %d x %d against %d", low(c.m), low(c.n), low(c.k), c.crossover));
+        crossoverTable.spotrf = c.crossover;
+        GemmCall call{c.m, c.n, c.k};
+        gpu.calls = cpu.calls = 0;
+        gpu.status = 0;
+        run<Dgemm>(call);
+        const std::string reason = c.over ? "GPU (over threshold)" : "CPU (under threshold)";
+        EXPECT_EQ(log.next(), (Lines{call.entry("dfakegemm", false), issuing + reason, done}));
+        EXPECT_EQ(gpu.calls, c.over);
+        EXPECT_EQ(cpu.calls, !c.over);
+    }
+}
+
+// The settings that decide before the measure: a crossover of -1 beats both
+// always-settings, and CPU-always beats GPU-always. An lwork that is not -1 prints
+// no work line although the CPU routine wrote work[0].
+TEST(FrameRoute, ExclusionAndAlwaysSettings) {
+    Log log;
+    startUp(log);
+    struct Case {
+        int32_t cpuAlways, gpuAlways, crossover;
+        int64_t n;
+        const char* reason;
+    };
+    const Case cases[] = {{0, 1, 1024, 1, "GPU (configured to always choose GPU)"},
+                          {1, 0, 1024, 4096, "CPU (configured to always choose CPU)"},
+                          {1, 1, 1024, 4096, "CPU (configured to always choose CPU)"},
+                          {0, 0, -1, INT32_MAX, "CPU (excluded by user)"},
+                          {1, 0, -1, INT32_MAX, "CPU (excluded by user)"},
+                          {0, 1, -1, INT32_MAX, "CPU (excluded by user)"},
+                          {1, 1, -1, INT32_MAX, "CPU (excluded by user)"}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(text("cpuAlways %d gpuAlways %d crossover %d", c.cpuAlways, c.gpuAlways, c.crossover));
+        linkState.cpuAlways = c.cpuAlways;
+        linkState.gpuAlways = c.gpuAlways;
+        crossoverTable.spotrf = c.crossover;
+        GetriCall call{c.n, 10};
+        gpu.calls = 0;
+        gpu.status = cpu.info = 0;
+        cpu.work = 7.9;
+        run<Dgetri>(call);
+        EXPECT_EQ(log.next(), (Lines{call.entry(), issuing + c.reason, done}));
+        EXPECT_EQ(gpu.calls, c.reason[0] == 'G');
+        EXPECT_EQ(call.info, static_cast<int64_t>(0x7777777700000000));
+    }
+}
+
+// A work query (lwork of -1 and nothing else) goes to the CPU whatever the
+// settings, and reports info first, then each work array's first element in the
+// table's order, truncated towards zero in the row's own precision.
+TEST(FrameClassC, WorkQueryGoesToTheCpuAndReportsWork) {
+    Log log;
+    startUp(log);
+    const std::string returned = "vorn info:  work query returned ";
+    struct Case {
+        bool syevd;
+        int32_t gpuAlways, crossover, info;
+        int64_t lwork;
+        double work;
+        int32_t iwork;
+        Lines tail;
+    };
+    const Case cases[] = {
+        {false, 1, 1024, 0, -1, 7.9, 0, {returned + "7"}},
+        {false, 0, -1, -3, -1, -7.9, 0, {"vorn info:  info returned as -3", returned + "-7"}},
+        {true, 1, 1024, 2, -1, -7.9, 12, {"vorn info:  info returned as 2", returned + "-7", returned + "12"}},
+        {true, 0, -1, 0, -1, 7.9, -5, {returned + "7", returned + "-5"}},
+        {true, 0, 1024, 0, -2, 7.9, 5, {}},  // lwork -2 and liwork -1: no query; over the crossover
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(text("syevd %d lwork %d work %g", c.syevd, low(c.lwork), c.work));
+        linkState.gpuAlways = c.gpuAlways;
+        crossoverTable.spotrf = c.crossover;
+        cpu.info = c.info;
+        cpu.work = c.work;
+        cpu.iwork = c.iwork;
+        gpu.status = gpu.calls = cpu.calls = 0;
+        GetriCall getri{4096, c.lwork};
+        SyevdCall syevd{4096, c.lwork};
+        c.syevd ? run<Ssyevd>(syevd) : run<Dgetri>(getri);
+        const bool query = c.lwork == -1;
+        const Lines head{c.syevd ? syevd.entry() : getri.entry(),
+                         issuing + (query ? "CPU (work query)" : "GPU (over threshold)")};
+        EXPECT_EQ(log.next(), head + c.tail + Lines{done});
+        EXPECT_EQ(gpu.calls, !query);
+        EXPECT_EQ(cpu.calls, query);
+        if (query) {
+            EXPECT_EQ(cpuWords(), c.syevd ? syevd.words() : getri.words());
+        }
+        const int64_t info = c.syevd ? syevd.info : getri.info;
+        EXPECT_EQ(low(info), query ? c.info : 0);
+        EXPECT_EQ(high(info), presetHigh);
+    }
+}
+
+// Class C: statuses 7 and 8 are answers whose info the GPU library gives (no line
+// when it is 0); status 0 leaves info 0; any other status retries on the CPU,
+// whose info is reported.
+TEST(FrameClassC, GpuStatusesAndInfo) {
+    Log log;
+    startUp(log);
+    struct Case {
+        int status, errorInfo, cpuInfo, info;
+    };
+    for (const Case c : {Case{0, 9, 0, 0}, Case{7, 3, 0, 3}, Case{8, -2, 0, -2}, Case{7, 0, 0, 0}, Case{8, 0, 0, 0},
+                         Case{4, 9, 5, 5}, Case{1, 9, 0, 0}}) {
+        SCOPED_TRACE(text("status %d", c.status));
+        gpu.status = c.status;
+        gpu.errorInfo = c.errorInfo;
+        cpu.info = c.cpuInfo;
+        gpu.calls = cpu.calls = 0;
+        GetriCall call{4096, 10};
+        run<Dgetri>(call);
+        const bool retry = c.status != 0 && c.status != 7 && c.status != 8;
+        Lines expected = Lines{call.entry(), issuing + "GPU (over threshold)"} + (retry ? retried(c.status) : Lines{});
+        if (c.info != 0) expected.push_back(text("vorn info:  info returned as %d", c.info));
+        EXPECT_EQ(log.next(), expected + Lines{done});
+        EXPECT_EQ(gpu.args, text("4096 %p 5 %p", call.a, call.ipiv));
+        EXPECT_EQ(gpu.calls, 1);
+        EXPECT_EQ(cpu.calls, retry);
+        EXPECT_EQ(low(call.info), c.info);
+        EXPECT_EQ(high(call.info), presetHigh);
+    }
+}
+
+// After vornInitialize failed, every call goes to the CPU as "vorn not available",
+// also with GPU-always set and for a work query; no GPU routine is called.
+TEST(FrameRoute, GpuUnavailable) {
+    Log log;
+    setEnv("VORN_GPU_ALWAYS", "1");
+    gpu.initStatus = 3;
+    EXPECT_EQ(startUp(log), (Lines{"vorn error: vornInitialize failed (fake failure 3)",
+                                   "vorn info:  forwarding all calls to CPU",
+                                   "vorn info:  CPU library is " RECORDING_CPU_PATH}));
+    GemmCall gemm{65536, 65536, 65536};
+    run<Dgemm>(gemm);
+    EXPECT_EQ(log.next(), (Lines{gemm.entry("dfakegemm", false), issuing + "CPU (vorn not available)", done}));
+    cpu.work = 7.9;
+    GetriCall query{4096, -1};
+    run<Dgetri>(query);
+    EXPECT_EQ(log.next(), (Lines{query.entry(), issuing + "CPU (vorn not available)",
+                                 "vorn info:  work query returned 7", done}));
+    EXPECT_EQ(gpu.calls, 0);
+    EXPECT_EQ(cpu.calls, 2);
+}
+
+// Exit F1, in ILP64 mode: without the CPU library the call returns with nothing
+// done, no "done" line and info 0 in both halves, also from the retry pass.
+TEST(FrameExit, MissingCpuLibrary) {
+    Log log;
+    setEnv("VORN_ILP64", "1");
+    const std::string path = tempPath("libnothing.so");
+    setEnv("VORN_CPU_LIB", path);
+    linkInitGpu();
+    crossoverTable.spotrf = 1024;
+    GetriCall under{10, 10};
+    run<Dgetri>(under);
+    EXPECT_EQ(log.next(), (Lines{under.entry(), issuing + "CPU (under threshold)", "vorn info:  CPU library is " + path,
+                                 "vorn error: failed to read '" + path + "'"}));
+    EXPECT_EQ(under.info, 0);
+    const std::string previous = "vorn error: a previous attempt at initialization failed, cannot continue";
+    GemmCall gemm{1, 1, 1};
+    run<Dgemm>(gemm);
+    EXPECT_EQ(log.next(), (Lines{gemm.entry("dfakegemm", false), issuing + "CPU (under threshold)", previous}));
+    gpu.status = 4;
+    GetriCall failed{4096, 10};
+    run<Dgetri>(failed);
+    EXPECT_EQ(log.next(), (Lines{failed.entry(), issuing + "GPU (over threshold)"} + retried(4) + Lines{previous}));
+    EXPECT_EQ(failed.info, 0);
+    EXPECT_EQ(cpu.calls, 0);
+}
+
+// Exit F2: a routine the CPU library lacks returns with info 0 and no "done" line,
+// and each call looks the symbol up again and repeats the error.
+TEST(FrameExit, MissingSymbol) {
+    Log log;
+    startUp(log);
+    const std::string missing = "vorn error: Failed to read symbol 'dfakemissing' from '" RECORDING_CPU_PATH "'";
+    for (int status : {-1, 4, -1}) {  // -1: under the crossover, no GPU call
+        gpu.status = status;
+        GetriCall call{status < 0 ? 10 : 4096, 10};
+        run<Dmissing>(call);
+        const Lines head{call.entry("dfakemissing"),
+                         issuing + (status < 0 ? "CPU (under threshold)" : "GPU (over threshold)")};
+        EXPECT_EQ(log.next(), head + (status < 0 ? Lines{} : retried(4)) + Lines{missing});
+        EXPECT_EQ(low(call.info), 0);
+        EXPECT_EQ(high(call.info), presetHigh);
+    }
+    EXPECT_EQ(cpu.calls, 0);
+}
+
+// ILP64 mode: info's high half is 0 at every return, also where the CPU routine
+// wrote something there.
+TEST(FrameIlp64, InfoHighHalfIsZeroAtEveryReturn) {
+    Log log;
+    setEnv("VORN_ILP64", "1");
+    startUp(log);
+    cpu.infoHigh = 0x5a5a5a5a;
+    struct Case {
+        int status, errorInfo, cpuInfo;
+        int64_t n, lwork;
+        bool missing;
+        int32_t info;
+    };
+    const Case cases[] = {{0, 9, 9, 4096, 10, false, 0},   {7, 3, 9, 4096, 10, false, 3},
+                          {8, -2, 9, 4096, 10, false, -2}, {0, 0, 5, 10, 10, false, 5},
+                          {4, 0, -1, 4096, 10, false, -1}, {0, 0, -4, 4096, -1, false, -4},
+                          {0, 0, 9, 10, 10, true, 0},      {4, 0, 9, 4096, 10, true, 0}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(text("status %d n %d lwork %d missing %d", c.status, low(c.n), low(c.lwork), c.missing));
+        gpu.status = c.status;
+        gpu.errorInfo = c.errorInfo;
+        cpu.info = c.cpuInfo;
+        GetriCall call{c.n, c.lwork};
+        c.missing ? run<Dmissing>(call) : run<Dgetri>(call);
+        EXPECT_EQ(low(call.info), c.info);
+        EXPECT_EQ(high(call.info), 0u);
+    }
+}
+
+// With verbose off only the error lines are written, to stdout: a class A
+// failure's two lines and a missing symbol's line; an answer, a work query and
+// the CPU calls write nothing.
+TEST(FrameVerbose, OffWritesOnlyErrorLines) {
+    StdoutCapture capture;
+    setEnv("VORN_CPU_LIB", RECORDING_CPU_PATH);
+    linkInitGpu();
+    linkInitCpu();
+    crossoverTable.spotrf = 1024;
+    gpu.status = 7;
+    gpu.errorInfo = 3;
+    GemmCall gemm{4096, 1, 1};
+    run<Dgemm>(gemm);
+    GetriCall answer{4096, 10}, query{4096, -1}, missing{10, 10};
+    run<Dgetri>(answer);
+    run<Dgetri>(query);
+    run<Dmissing>(missing);
+    const std::string written = capture.stop();
+    EXPECT_EQ(written, "vorn error: fake failure 7\nvorn error: Retrying with CPU\n"
+                       "vorn error: Failed to read symbol 'dfakemissing' from '" RECORDING_CPU_PATH "'\n");
+    EXPECT_EQ(low(answer.info), 3);
+    EXPECT_EQ(cpu.calls, 2);
+}
