@@ -10,18 +10,8 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 out="$root/build-fuzz"
 
 # clang, and the libFuzzer runtime that clang 14 links with -fsanitize=fuzzer.
-packages=(clang libclang-rt-14-dev)
-missing=()
-for package in "${packages[@]}"; do
-  dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed" || missing+=("$package")
-done
-if ((${#missing[@]})); then
-  echo "fuzz: installing ${missing[*]}"
-  sudo=""
-  [ "$(id -u)" -eq 0 ] || sudo="sudo"
-  $sudo apt-get update -qq
-  DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq --no-install-recommends "${missing[@]}"
-fi
+source "$root/tools/packages.sh"
+ensure_packages clang libclang-rt-14-dev
 
 mkdir -p "$out/corpus" "$out/artifacts"
 # -fno-sanitize-recover makes an undefined-behaviour report stop the run as a crash.
