@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 struct CallWords {
     void* const* word;
@@ -28,4 +29,12 @@ constexpr int32_t multiply32(int32_t a, int32_t b) {
 }
 constexpr int32_t add32(int32_t a, int32_t b) {
     return static_cast<int32_t>(static_cast<uint32_t>(a) + static_cast<uint32_t>(b));
+}
+
+// Calls a CPU library function with exactly the first N words of a call, and
+// gives its result as the function's own type.
+template <class Result, std::size_t... I>
+inline Result callCpuWords(void* function, CallWords words, std::index_sequence<I...>) {
+    using Function = Result (*)(decltype((void)I, static_cast<void*>(nullptr))...);
+    return reinterpret_cast<Function>(function)(words.word[I]...);
 }

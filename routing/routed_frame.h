@@ -22,14 +22,10 @@
 #include "routing/crossover_table.h"
 #include "routing/gpu_arguments.h"
 #include "routing/issue_reason.h"
+#include "routing/work_query.h"
 #include "vorn_lapack.h"
 
 enum class FrameClass { A, B, C };
-
-// The arrays whose first element a work query reports, in the order of the lines.
-template <int W> struct WorkReal { static constexpr int position = W; };   // real part, truncated
-template <int W> struct WorkInt { static constexpr int position = W; };    // 32-bit integer
-template <class... Lines> struct WorkLines {};
 
 template <FixedString Name, class Root, auto GpuFunction, int32_t CrossoverTable::*Entry>
 struct RoutedRoutine {
@@ -37,40 +33,17 @@ struct RoutedRoutine {
     using Args = Root;
     using Gpu = GpuBinding<GpuFunction, typename Root::GpuArgs>;
     // The routine's real type: single in s and c routines, double in d and z.
-    using RealType = std::conditional_t<Name.text[0] == 's' || Name.text[0] == 'c', float, double>;
+    using RealType = RealTypeOf<Name.text[0]>;
     static constexpr auto entryFormat =
         "vorn info:  " + Name + " (" + conversionList(typename Root::GpuArgs{}) + ")\n";
     static inline constinit CpuSlot cpuSlot{};
     static int32_t crossover() { return crossoverTable.*Entry; }
 };
 
-// Calls a CPU library function with exactly the first N words of the call.
-template <std::size_t... I>
-inline void callCpuWords(void* function, CallWords words, std::index_sequence<I...>) {
-    using Function = void (*)(decltype((void)I, Word{})...);
-    reinterpret_cast<Function>(function)(words.word[I]...);
-}
-
 template <class Routine>
 void linkWriteEntryLine(CallWords words) {
     std::apply([](auto... values) { linkWriteLine(Routine::entryFormat.c_str(), values...); },
                Routine::Gpu::printedValues(words));
-}
-
-// "vorn info:  work query returned %d" for each work array, first element only.
-template <class Routine, class... Lines>
-void linkWriteWorkLines(CallWords words, WorkLines<Lines...>) {
-    auto line = [&](auto kind) {
-        using Kind = decltype(kind);
-        int32_t value;
-        if constexpr (std::is_same_v<Kind, WorkInt<Kind::position>>) {
-            value = words.integer(Kind::position);
-        } else {
-            value = static_cast<int32_t>(words.read<typename Routine::RealType>(Kind::position));
-        }
-        linkWriteLine("vorn info:  work query returned %d\n", value);
-    };
-    (line(Lines{}), ...);
 }
 
 template <class Routine>
@@ -155,11 +128,13 @@ void routedFrame(CallWords words) {
     void* function = linkCpuFunction(Routine::cpuSlot, Routine::name.c_str());
     if (function == nullptr) return;  // exit F2
 
-    callCpuWords(function, words, std::make_index_sequence<Args::wordCount>{});
+    callCpuWords<void>(function, words, std::make_index_sequence<Args::wordCount>{});
 
     if constexpr (hasInfo) linkLogInfoReturned(linkTakeInteger(info));
     if constexpr (hasWorkQuery) {
-        if (linkState.verbose && workQuery) linkWriteWorkLines<Routine>(words, typename Args::WorkLines{});
+        if (linkState.verbose && workQuery) {
+            linkWriteWorkLines<typename Routine::RealType>(words, typename Args::WorkLines{});
+        }
     }
     commonEnd();
 }

@@ -12,5 +12,6 @@ struct potrf {
     static int32_t measure(CallWords w) { return w.integer(n); }
 };
 
-//                  base    root   words  GPU function
-VORN_ROUTED_ROUTINE(spotrf, potrf, 5,     vornSpotrf)
+#define ROUTED VORN_ROUTED_ROUTINE
+#include "routines/routed/cholesky_triangular.inc"
+#undef ROUTED

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <dlfcn.h>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -13,8 +14,15 @@
 
 // The link library's export, in the argument convention of its callers.
 extern "C" void spotrf(const char* uplo, const void* n, float* a, const void* lda, void* info);
-// OpenBLAS, linked into the test program, with gfortran's hidden length.
-extern "C" void spotrf_(const char* uplo, const int* n, float* a, const int* lda, int* info, std::size_t);
+// OpenBLAS's own spotrf_, with gfortran's hidden length. The program links
+// OpenBLAS, but the name spotrf_ belongs to the link library, which comes first:
+// the reference is taken from OpenBLAS's handle.
+using FortranSpotrf = void (*)(const char*, const int*, float*, const int*, int*, std::size_t);
+inline FortranSpotrf openblasSpotrf() {
+    static const auto function = reinterpret_cast<FortranSpotrf>(
+        dlsym(dlopen("libopenblas.so.0", RTLD_NOW | RTLD_LOCAL), "spotrf_"));
+    return function;
+}
 
 inline constexpr int spotrfCrossover = 1024;
 
@@ -32,7 +40,7 @@ inline std::vector<float> spdMatrix(int n, int lda, bool definite = true, int k 
 
 // OpenBLAS's factor of the same matrix, and its info.
 inline std::vector<float> referenceFactor(char uplo, int n, int lda, std::vector<float> a, int* info) {
-    spotrf_(&uplo, &n, a.data(), &lda, info, 1);
+    openblasSpotrf()(&uplo, &n, a.data(), &lda, info, 1);
     return a;
 }
 

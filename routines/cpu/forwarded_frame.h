@@ -1,0 +1,112 @@
+// The frame of the forwarded routines: every exported routine without a GPU
+// counterpart. It starts the library, calls the CPU library's routine of the same
+// name with exactly the caller's words, and reports info and work queries on the
+// log. No route decision is made, and arguments are never printed.
+//
+// Per-routine facts come from the tables, looked up by the routine's name: its
+// work query (routines/cpu/work_queries.inc), its result class
+// (routines/cpu/result_classes.inc). A routine that no table names has none.
+#pragma once
+
+#include <cstdint>
+#include <type_traits>
+#include <utility>
+
+#include "core/link_state.h"
+#include "core/startup.h"
+#include "ilp64/int_width.h"
+#include "routing/call_words.h"
+#include "routing/fixed_string.h"
+#include "routing/work_query.h"
+
+template <class TestedList, class LineList> struct WorkQuery {
+    using TestedWords = TestedList;
+    using Lines = LineList;
+};
+template <FixedString Name> struct WorkQueryOf : WorkQuery<Tested<>, WorkLines<>> {};
+template <FixedString Name> struct ResultOf {
+    using type = void;
+};
+
+#define WORK_QUERY(name, ...) \
+    template <> struct WorkQueryOf<#name> : WorkQuery<__VA_ARGS__> {};
+#include "routines/cpu/work_queries.inc"
+#undef WORK_QUERY
+
+#define RESULT(name, Type) \
+    template <> struct ResultOf<#name> { using type = Type; };
+#include "routines/cpu/result_classes.inc"
+#undef RESULT
+
+template <FixedString Name>
+using ForwardedResult = typename ResultOf<Name>::type;
+
+// xerbla's third word holds the length of its name by value, a 32-bit integer:
+// only the low half of the word reaches the CPU library.
+template <FixedString Name> inline constexpr int lengthByValueWord = 0;
+template <> inline constexpr int lengthByValueWord<"xerbla"> = 3;
+
+template <FixedString Name, int Words, bool HasInfo>
+struct ForwardedRoutine {
+    static constexpr FixedString name = Name;
+    static constexpr int wordCount = Words;
+    static constexpr bool hasInfo = HasInfo;
+    static constexpr auto entryLine = "vorn info:  " + Name + " ()\n";
+    using Result = ForwardedResult<Name>;
+    using WorkQuery = WorkQueryOf<Name>;
+    using RealType = RealTypeOf<Name.text[0]>;
+    static inline constinit CpuSlot cpuSlot{};
+};
+
+template <class Routine>
+typename Routine::Result forwardedFrame(CallWords words) {
+    using Result = typename Routine::Result;
+    using WorkQuery = typename Routine::WorkQuery;
+
+    // verbose is read before the start-up: the first call of a process, if it is
+    // a forwarded routine, loses its entry line.
+    if (linkState.verbose) linkWriteLine(Routine::entryLine.c_str());
+    linkInitGpu();
+    if (!linkInitCpu()) return Result();
+    if (linkState.verbose) linkWriteLine("vorn info:  issuing to CPU (no GPU function available)\n");
+    void* function = linkCpuFunction(Routine::cpuSlot, Routine::name.c_str());
+    if (function == nullptr) return Result();
+
+    constexpr bool hasWorkQuery = !std::is_same_v<typename WorkQuery::TestedWords, Tested<>>;
+    bool workQuery = false;
+    if constexpr (hasWorkQuery) workQuery = linkIsWorkQuery(words, typename WorkQuery::TestedWords{});
+    linkPackIntegerArrays<Routine>(words);
+
+    void* passed[Routine::wordCount];
+    if constexpr (constexpr int lengthWord = lengthByValueWord<Routine::name>) {
+        for (int i = 0; i < Routine::wordCount; ++i) passed[i] = words.word[i];
+        const auto length = static_cast<uint32_t>(reinterpret_cast<uintptr_t>(passed[lengthWord - 1]));
+        passed[lengthWord - 1] = reinterpret_cast<void*>(static_cast<uintptr_t>(length));
+        words = CallWords{passed};
+    }
+    auto call = [&] {
+        return callCpuWords<Result>(function, words, std::make_index_sequence<Routine::wordCount>{});
+    };
+    auto report = [&] {
+        if constexpr (Routine::hasInfo) {
+            const int32_t info = linkTakeInteger(words.pointer(Routine::wordCount));
+            if (linkState.verbose && info != 0) linkWriteLine("vorn info:  info returned as %d\n", info);
+        }
+        if constexpr (hasWorkQuery) {
+            if (linkState.verbose && workQuery) {
+                linkWriteWorkLines<typename Routine::RealType>(words, typename WorkQuery::Lines{});
+            }
+        }
+        linkUnpackIntegerArrays<Routine>(words);
+        if (linkState.verbose) linkWriteLine("vorn info:  done\n");
+    };
+    if constexpr (std::is_void_v<Result>) {
+        call();
+        report();
+    } else {
+        // Held across the closing lines, which must not disturb it.
+        const Result result = call();
+        report();
+        return result;
+    }
+}

@@ -1,0 +1,10 @@
+// The 1,417 forwarded routines, each an instance of the forwarded frame.
+#include "exports/words.h"
+#include "routines/cpu/forwarded_frame.h"
+
+#define FORWARDED(name, words, info)                                                    \
+    extern "C" VORN_EXPORT ForwardedResult<#name> name(VORN_WORDS_##words) {            \
+        void* const passed[] = {VORN_ARGS_##words};                                     \
+        return forwardedFrame<ForwardedRoutine<#name, words, info>>(CallWords{passed}); \
+    }
+#include "routines/cpu/forwarded_routines.inc"
