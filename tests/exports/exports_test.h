@@ -1,0 +1,181 @@
+// What the export surface's tests share: the forwarded routines' facts read from
+// the routine tables, a call of a routine with a given number of words, and the
+// lines that the library writes to standard output during a stretch of calls.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <dlfcn.h>
+#include <gmock/gmock.h>
+#include <stdexcept>
+#include <string>
+#include <type_traits>
+#include <unistd.h>
+#include <utility>
+#include <vector>
+
+#include "routing/work_query.h"
+#include "test_support.h"
+
+enum class Result { none, real32, real64, int32, byte, complex };
+
+struct WorkLine {
+    int word;
+    bool real;
+    bool operator==(const WorkLine&) const = default;
+};
+
+struct RoutineFacts {
+    std::string name;
+    int words = 0;
+    bool info = false;
+    Result result = Result::none;
+    std::vector<int> tested;
+    std::vector<WorkLine> lines;
+
+    template <class TestedWords, class Lines>
+    struct Query {};
+    template <int... W, class... L>
+    void query(Query<Tested<W...>, WorkLines<L...>>) {
+        tested = {W...};
+        lines = {WorkLine{L::position, std::is_same_v<L, WorkReal<L::position>>}...};
+    }
+};
+
+template <class T>
+constexpr Result resultOf() {
+    if constexpr (std::is_same_v<T, float>) return Result::real32;
+    if constexpr (std::is_same_v<T, double>) return Result::real64;
+    if constexpr (std::is_same_v<T, int32_t>) return Result::int32;
+    return Result::byte;
+}
+
+// The routines whose complex result goes through word 1.
+inline const std::vector<std::string> complexResults = {"cdotc", "cdotu", "zdotc", "zdotu", "cladiv", "zladiv"};
+
+// The forwarded routines in the order of their table, with their facts.
+inline std::vector<RoutineFacts> forwardedTable() {
+    std::vector<RoutineFacts> table;
+    auto find = [&](const char* name) -> RoutineFacts& {
+        for (auto& routine : table)
+            if (routine.name == name) return routine;
+        throw std::runtime_error(std::string(name) + " is not a forwarded routine");
+    };
+    auto add = [&](const char* name, int words, bool info) {
+        RoutineFacts& routine = table.emplace_back();
+        routine.name = name, routine.words = words, routine.info = info;
+    };
+#define FORWARDED(name, count, hasInfo) add(#name, count, hasInfo);
+#include "routines/cpu/forwarded_routines.inc"
+#undef FORWARDED
+#define RESULT(name, Type) find(#name).result = resultOf<Type>();
+#include "routines/cpu/result_classes.inc"
+#undef RESULT
+#define WORK_QUERY(name, ...) find(#name).query(RoutineFacts::Query<__VA_ARGS__>{});
+#include "routines/cpu/work_queries.inc"
+#undef WORK_QUERY
+    for (const auto& name : complexResults) find(name.c_str()).result = Result::complex;
+    return table;
+}
+
+// Calls `function` with exactly words.size() words, and gives the bits of what it
+// returns, read in the width of its result.
+template <class R, std::size_t... I>
+R callWith(void* function, void* const* words, std::index_sequence<I...>) {
+    return reinterpret_cast<R (*)(decltype((void)I, static_cast<void*>(nullptr))...)>(function)(words[I]...);
+}
+template <class R>
+uint64_t callBits(void* function, const std::vector<void*>& words) {
+    static constexpr auto callers = []<std::size_t... N>(std::index_sequence<N...>) {
+        return std::array{
+            +[](void* f, void* const* w) { return callWith<R>(f, w, std::make_index_sequence<N + 1>{}); }...};
+    }
+    (std::make_index_sequence<32>{});
+    uint64_t bits = 0;
+    if constexpr (std::is_void_v<R>) {
+        callers.at(words.size() - 1)(function, words.data());
+    } else {
+        const R value = callers.at(words.size() - 1)(function, words.data());
+        std::memcpy(&bits, &value, sizeof value);
+    }
+    return bits;
+}
+inline uint64_t callRoutine(void* function, Result result, const std::vector<void*>& words) {
+    switch (result) {
+        case Result::real32:
+            return callBits<float>(function, words);
+        case Result::real64:
+            return callBits<double>(function, words);
+        case Result::int32:
+            return callBits<int32_t>(function, words);
+        case Result::byte:
+            return callBits<char>(function, words);
+        default:
+            return callBits<void>(function, words);
+    }
+}
+
+// Sends standard output, where the library logs without VORN_DEBUG_LOG, to a file
+// and gives the lines written since the last look. Test messages written meanwhile
+// would mix in, so tests collect their findings and report after finish().
+class OutputLines {
+public:
+    OutputLines() : path_(tempPath("stdout")) {
+        std::fflush(stdout);
+        saved_ = dup(1);
+        FILE* out = std::fopen(path_.c_str(), "w");
+        dup2(fileno(out), 1);
+        std::fclose(out);
+        in_ = std::fopen(path_.c_str(), "r");
+    }
+    ~OutputLines() { finish(); }
+    std::vector<std::string> next() {
+        std::vector<std::string> lines;
+        for (char buffer[1024]; std::fgets(buffer, sizeof buffer, in_) != nullptr;) {
+            lines.emplace_back(buffer, std::strcspn(buffer, "\n"));
+        }
+        std::clearerr(in_);
+        return lines;
+    }
+    void finish() {
+        if (saved_ < 0) return;
+        std::fflush(stdout);
+        dup2(saved_, 1);
+        close(saved_);
+        saved_ = -1;
+        std::fclose(in_);
+    }
+
+private:
+    std::string path_;
+    int saved_ = -1;
+    FILE* in_ = nullptr;
+};
+
+// What a stretch of calls found while the log went to a file, reported after it.
+struct Findings {
+    std::vector<std::string> list;
+    void expect(bool ok, const std::string& what) {
+        if (!ok) list.push_back(what);
+    }
+    void report() const {  // the first few, and how many there were
+        std::vector<std::string> shown(list.begin(), list.begin() + std::min<std::size_t>(list.size(), 30));
+        EXPECT_THAT(shown, testing::IsEmpty()) << list.size() << " findings in all";
+    }
+};
+
+inline std::string joined(const std::vector<std::string>& lines) {
+    std::string text;
+    for (const auto& line : lines) text += "\n  " + line;
+    return text;
+}
+
+#ifdef VORN_TEST_LINK_LIBRARY
+inline void* openLinkLibrary() {
+    void* link = dlopen(VORN_TEST_LINK_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+    if (link == nullptr) throw std::runtime_error(dlerror());
+    return link;
+}
+#endif

@@ -1,0 +1,49 @@
+#include "recording_forwarded_cpu.h"
+
+#include <cstring>
+
+#include "exports/words.h"
+#include "routines/cpu/forwarded_frame.h"
+
+static ForwardedCpuRecord record;
+
+extern "C" VORN_EXPORT ForwardedCpuRecord* recordingForwardedCpu() { return &record; }
+
+template <class Real, class... Lines>
+static void answerWork(void* const* words, WorkLines<Lines...>) {
+    [[maybe_unused]] int k = 0;
+    [[maybe_unused]] auto write = [&](auto line) {
+        using Line = decltype(line);
+        void* element = words[Line::position - 1];
+        if constexpr (std::is_same_v<Line, WorkReal<Line::position>>) {
+            const Real value = static_cast<Real>(realWorkAnswer(k++));
+            std::memcpy(element, &value, sizeof value);
+        } else {
+            const int32_t value = integerWorkAnswer(k++);
+            std::memcpy(element, &value, sizeof value);
+        }
+    };
+    (write(Lines{}), ...);
+}
+
+template <FixedString Name, int Words, bool HasInfo>
+static ForwardedResult<Name> answer(void* const* words) {
+    ++record.calls;
+    std::strncpy(record.routine, Name.c_str(), sizeof record.routine - 1);
+    record.wordCount = Words;
+    std::memcpy(record.words, words, Words * sizeof(void*));
+    if constexpr (HasInfo) std::memcpy(words[Words - 1], &record.info, 4);
+    answerWork<RealTypeOf<Name.text[0]>>(words, typename WorkQueryOf<Name>::Lines{});
+    if constexpr (!std::is_void_v<ForwardedResult<Name>>) {
+        ForwardedResult<Name> result;
+        std::memcpy(&result, &record.result, sizeof result);
+        return result;
+    }
+}
+
+#define FORWARDED(name, words, info)                                         \
+    extern "C" VORN_EXPORT ForwardedResult<#name> name(VORN_WORDS_##words) { \
+        void* const passed[] = {VORN_ARGS_##words};                          \
+        return answer<#name, words, info>(passed);                           \
+    }
+#include "routines/cpu/forwarded_routines.inc"

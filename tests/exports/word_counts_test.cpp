@@ -1,0 +1,202 @@
+// The word count, info, result and work query of every forwarded routine, and the
+// word count and info of every routed routine that stands, held against the
+// prototypes that the system's LAPACK and BLAS headers publish: lapack.h
+// (liblapacke-dev) and the Fortran BLAS prototypes of cblas_f77.h (libblas-dev).
+// The headers are read at test time; the hidden string lengths at their ends are
+// not words of ours.
+//
+// Routines that neither header declares, so that only the tables vouch for them
+// (474; the test prints them), in the notation of the tables:
+//   sdcz: gbtf2 gebd2 gegs gegv gehd2 gelsx geqr2p gesc2 getc2 gtts2 labrd lacon
+//     ladiv laed0 laed7 laed8 laein laev2 lags2 lagtm lahqr lahr2 lahrd laic1 lals0
+//     lalsa lalsd lapll laqgb laqge laqp2 laqps laqr0 laqr1 laqr2 laqr3 laqr4 laqr5
+//     laqsb laqsp laqsy lar1v larfgp larrv lartg larz larzb larzt lasyf latbs latdf
+//     latps latrd latrs latrz latzm lauu2 pbtf2 pstf2 ptts2 sytf2 tgex2 tgsy2 trti2
+//     tzrqf
+//   sd: gsvj0 gsvj1 isnan labad lae2 laebz laed1 laed2 laed3 laed4 laed5 laed6 laed9
+//     laeda laexc lag2 lagtf lagts lagv2 laisnan laln2 lamc3 lamrg laneg lansf lanv2
+//     laqtr larra larrb larrc larrd larre larrf larrj larrk larrr laruv las2 lasd0
+//     lasd1 lasd2 lasd3 lasd4 lasd5 lasd6 lasd7 lasd8 lasda lasdq lasdt lasq1 lasq2
+//     lasq3 lasq4 lasq5 lasq6 lasv2 lasy2 lazq3 lazq4 org2l org2r orgl2 orgr2 orm2l
+//     orm2r orml2 ormr2 ormr3 rscl sygs2 sytd2
+//   cz: hegs2 hetd2 hetf2 lacrt laesy lahef lanhf laqhb laqhe laqhp rot spmv spr symv
+//     ung2l ung2r ungl2 ungr2 unm2l unm2r unml2 unmr2 unmr3
+//   alone: csrscl dzsum1 scsum1 zdrscl chla_transtype icmax1 ieeeck ilaclc ilaclr
+//     iladiag iladlc iladlr ilaenv ilaprec ilaslc ilaslr ilatrans ilauplo ilazlc
+//     ilazlr iparmq izmax1 lsamen xerbla_array
+#include <cctype>
+#include <cstdio>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <map>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "routing/routed_frame.h"
+#include "exports_test.h"
+
+// The routed roots come from their family files, one include per family of
+// routed_routines.inc, with the routines themselves left out: only the roots'
+// frame classes are wanted here.
+#undef VORN_ROUTED_ROUTINE
+#define VORN_ROUTED_ROUTINE(base, Root, count, gpuFunction)
+#include "routines/routed/cholesky_triangular.cpp"
+
+namespace {
+
+using Facts = RoutineFacts;
+
+// Ours, from the tables: the forwarded routines, and the routed ones that stand.
+std::map<std::string, Facts> ourRoutines() {
+    std::map<std::string, Facts> ours;
+    for (const Facts& routine : forwardedTable()) ours[routine.name] = routine;
+#define ROUTED(base, Root, count, gpuFunction) \
+    ours[#base].words = count, ours[#base].info = Root::frameClass != FrameClass::A;
+#include "routines/routed/routed_routines.inc"
+#undef ROUTED
+    return ours;
+}
+
+std::string lastIdentifier(const std::string& text) {
+    std::size_t end = text.size();
+    while (end > 0 && !(std::isalnum(static_cast<unsigned char>(text[end - 1])) || text[end - 1] == '_')) --end;
+    std::size_t begin = end;
+    while (begin > 0 && (std::isalnum(static_cast<unsigned char>(text[begin - 1])) || text[begin - 1] == '_')) --begin;
+    return text.substr(begin, end - begin);
+}
+
+// One header's prototypes by Fortran name. Prototype names are macros defined by
+// "#define ID LAPACK_GLOBAL(name,NAME)" (F77_GLOBAL in the BLAS header); the
+// "#ifdef ..._FORTRAN_STRLEN_END" blocks, which add the hidden lengths, are dropped.
+std::map<std::string, Facts> declaredIn(const std::string& path, const std::set<std::string>& ours) {
+    std::ifstream in(path);
+    std::map<std::string, std::string> fortranName;
+    std::string text, line;
+    int skipping = 0;
+    while (std::getline(in, line)) {
+        const std::size_t first = line.find_first_not_of(" \t");
+        if (first == std::string::npos || line[first] != '#') {
+            if (!skipping) text += line + "\n";
+            continue;
+        }
+        std::istringstream directive(line.substr(first + 1));
+        std::string keyword, id, value;
+        directive >> keyword >> id >> value;
+        if (skipping) {
+            skipping += keyword.rfind("if", 0) == 0 ? 1 : keyword == "endif" ? -1 : 0;
+        } else if (keyword.rfind("if", 0) == 0 && line.find("FORTRAN_STRLEN_END") != std::string::npos) {
+            skipping = 1;
+        } else if (keyword == "define" && value.find("_GLOBAL(") != std::string::npos) {
+            fortranName[id] = value.substr(value.find('(') + 1, value.find(',') - value.find('(') - 1);
+        }
+    }
+    EXPECT_FALSE(fortranName.empty()) << "no prototypes read from " << path;
+
+    std::map<std::string, Facts> declared;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t open = text.find('(', at);
+        if (open == std::string::npos) break;
+        at = open + 1;
+        // The identifier before the parenthesis, and the return type before it.
+        std::string head = text.substr(open > 200 ? open - 200 : 0, open > 200 ? 200 : open);
+        head.erase(head.find_last_not_of(" \t\n") + 1);
+        const auto found = fortranName.find(lastIdentifier(head));
+        if (found == fortranName.end()) continue;
+        head.erase(head.size() - found->first.size());
+        std::string name = found->second;
+        const std::string returned = lastIdentifier(head);
+        std::vector<std::string> parameters(1);
+        int depth = 1;
+        for (; depth > 0 && at < text.size(); ++at) {
+            const char c = text[at];
+            depth += c == '(' ? 1 : c == ')' ? -1 : 0;
+            if (depth == 1 && c == ',')
+                parameters.emplace_back();
+            else if (depth > 0)
+                parameters.back() += c;
+        }
+        if (lastIdentifier(parameters.back()).empty() || parameters == std::vector<std::string>{"void"})
+            parameters.pop_back();
+
+        Facts facts;
+        facts.words = static_cast<int>(parameters.size());
+        for (int i = 0; i < facts.words; ++i) {
+            std::string parameter = lastIdentifier(parameters[i]);
+            for (char& c : parameter) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+            if (parameter == "lwork" || parameter == "lrwork" || parameter == "liwork") facts.tested.push_back(i + 1);
+            if (parameter == "work" || parameter == "rwork") facts.lines.push_back({i + 1, true});
+            if (parameter == "iwork" || parameter == "bwork") facts.lines.push_back({i + 1, false});
+        }
+        facts.info = facts.words > 0 && lastIdentifier(parameters.back()) == "info";
+        if (facts.tested.empty()) facts.lines.clear();
+        // lapack.h gives the deprecated ggsvd and ggsvp an integer result next to
+        // their info; they are subroutines.
+        if (!facts.info) {
+            if (returned == "double") facts.result = Result::real64;
+            if (returned == "lapack_float_return") facts.result = Result::real32;
+            if (returned == "lapack_int" || returned == "lapack_logical") facts.result = Result::int32;
+        }
+        // The BLAS header declares its functions as subroutines named NAMEsub with
+        // the result's address last. A complex result (void*) is word 1 in our
+        // convention; the others are returned.
+        const std::string stem = name.size() > 3 ? name.substr(0, name.size() - 3) : "";
+        if (name.ends_with("sub") && ours.count(stem)) {
+            const std::string last = parameters.back();
+            name = stem;
+            if (last.find("void") != std::string::npos) {
+                facts.result = Result::complex;
+            } else {
+                --facts.words;
+                facts.result = last.find("float") != std::string::npos    ? Result::real32
+                               : last.find("double") != std::string::npos ? Result::real64
+                                                                          : Result::int32;
+            }
+        }
+        // xerbla's hidden length is ours too: it travels by value as word 3.
+        if (name == "xerbla") ++facts.words;
+        declared[name] = facts;
+    }
+    return declared;
+}
+
+// Roots whose words are one fewer than the header's, by design: syswapr and
+// heswapr have the argument list of LAPACK 3.3 (uplo, n, a, i1, i2), to which later
+// releases added lda; lartgs has four words, its fifth argument sn being a scratch
+// variable of the CPU library (backends/lapackcpu/cpu_routines.h).
+const std::set<std::string> fewerWords = {"syswapr", "heswapr", "lartgs"};
+
+TEST(WordCounts, TablesAgreeWithThePublishedPrototypes) {
+    const auto ours = ourRoutines();
+    std::set<std::string> names;
+    for (const auto& [name, facts] : ours) names.insert(name);
+
+    std::set<std::string> covered;
+    for (const char* header : {VORN_LAPACK_HEADER, VORN_BLAS_HEADER}) {
+        int compared = 0;
+        // lapack.h's lsame, declared with two lengths as words, is not among ours:
+        // lsame is neither forwarded nor routed and has tests of its own.
+        for (const auto& [name, theirs] : declaredIn(header, names)) {
+            const auto it = ours.find(name);
+            if (it == ours.end()) continue;
+            const Facts& mine = it->second;
+            SCOPED_TRACE(name + " in " + header);
+            EXPECT_EQ(mine.words + (fewerWords.count(name.substr(1)) ? 1 : 0), theirs.words);
+            EXPECT_EQ(mine.info, theirs.info);
+            EXPECT_EQ(mine.result, theirs.result);
+            EXPECT_EQ(mine.tested, theirs.tested);
+            EXPECT_EQ(mine.lines, theirs.lines);
+            covered.insert(name);
+            ++compared;
+        }
+        EXPECT_GT(compared, 100) << header;
+    }
+
+    std::string uncovered;
+    for (const auto& name : names)
+        if (!covered.count(name)) uncovered += " " + name;
+    std::printf("routines that neither header declares (%zu):%s\n", names.size() - covered.size(), uncovered.c_str());
+}
+
+}  // namespace
