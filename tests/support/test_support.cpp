@@ -2,17 +2,28 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <unistd.h>
 
+// The folder goes when the process that made it exits; children forked by a
+// test share it and leave it alone.
+static std::string tempFolder;
+static pid_t tempFolderOwner;
+static void removeTempFolder() {
+    if (getpid() == tempFolderOwner) std::filesystem::remove_all(tempFolder);
+}
+
 std::string tempPath(const std::string& name) {
-    static std::string folder = [] {
+    if (tempFolder.empty()) {
         std::string pattern = "/tmp/vorn-test-XXXXXX";
         if (mkdtemp(pattern.data()) == nullptr) std::abort();
-        return pattern;
-    }();
-    return folder + "/" + name;
+        tempFolder = pattern;
+        tempFolderOwner = getpid();
+        std::atexit(removeTempFolder);
+    }
+    return tempFolder + "/" + name;
 }
 
 std::string readFile(const std::string& path) {
