@@ -4,6 +4,7 @@
 // system headers behind it.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <cstdio>
 
@@ -37,14 +38,24 @@ void platformCreateLock(PlatformLock* lock);
 void platformEnterLock(PlatformLock* lock);
 void platformLeaveLock(PlatformLock* lock);
 
+// The atomics are the standard library's on every platform, and inline: the
+// acquire load of a start-up flag is on every call's path.
+
 // Atomically: if *target equals expected, store desired. Gives the old value.
-int32_t platformCompareAndSwap(int32_t* target, int32_t expected, int32_t desired);
+inline int32_t platformCompareAndSwap(int32_t* target, int32_t expected, int32_t desired) {
+    std::atomic_ref<int32_t>(*target).compare_exchange_strong(expected, desired, std::memory_order_acq_rel);
+    return expected;  // compare_exchange leaves the old value here
+}
 
 // Publication of the start-up flags: a store with release order and a load with
 // acquire order, so that a thread that sees a flag set also sees all that was
 // written before it.
-void platformStoreRelease(int32_t* flag, int32_t value);
-int32_t platformLoadAcquire(const int32_t* flag);
+inline void platformStoreRelease(int32_t* flag, int32_t value) {
+    std::atomic_ref<int32_t>(*flag).store(value, std::memory_order_release);
+}
+inline int32_t platformLoadAcquire(const int32_t* flag) {
+    return std::atomic_ref<int32_t>(*const_cast<int32_t*>(flag)).load(std::memory_order_acquire);
+}
 
 // Reads one line of a text file as fgets does, at most size - 1 bytes up to and
 // including the newline, and terminates it. A CR LF line end reads as a newline,

@@ -1,8 +1,7 @@
-// The platform layer on Linux: dlopen/dlsym, a recursive pthread mutex, and the
-// atomics of the standard library.
+// The platform layer on Linux: dlopen/dlsym/dlmopen, a recursive pthread mutex,
+// text lines and numbers read as Windows reads them.
 #include "core/platform.h"
 
-#include <atomic>
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
@@ -67,20 +66,6 @@ void platformCreateLock(PlatformLock* lock) {
 void platformEnterLock(PlatformLock* lock) { pthread_mutex_lock(mutexOf(lock)); }
 
 void platformLeaveLock(PlatformLock* lock) { pthread_mutex_unlock(mutexOf(lock)); }
-
-int32_t platformCompareAndSwap(int32_t* target, int32_t expected, int32_t desired) {
-    std::atomic_ref<int32_t>(*target).compare_exchange_strong(expected, desired,
-                                                              std::memory_order_acq_rel);
-    return expected;  // compare_exchange leaves the old value here
-}
-
-void platformStoreRelease(int32_t* flag, int32_t value) {
-    std::atomic_ref<int32_t>(*flag).store(value, std::memory_order_release);
-}
-
-int32_t platformLoadAcquire(const int32_t* flag) {
-    return std::atomic_ref<int32_t>(*const_cast<int32_t*>(flag)).load(std::memory_order_acquire);
-}
 
 // Linux reads text files as they are; Windows text mode turns CR LF into LF
 // before the reader sees it. A lone CR stays a CR on both.

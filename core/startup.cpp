@@ -31,7 +31,7 @@ static void linkEnsureInitLock() {
 // loaded and the lock alive.
 static void linkShutdownGpu() { vornShutdown(); }
 
-int32_t linkInitGpu() {
+int32_t linkStartUp() {
     if (platformLoadAcquire(&linkState.gpuInitDone)) return 0;
     linkEnsureInitLock();
     platformEnterLock(&linkState.initLock);
@@ -104,7 +104,7 @@ static int32_t linkBindCpuLibrary() {
     return 1;
 }
 
-int32_t linkInitCpu() {
+int32_t linkBindCpu() {
     if (!platformLoadAcquire(&linkState.cpuInitDone)) {
         linkEnsureInitLock();
         platformEnterLock(&linkState.initLock);
@@ -121,7 +121,7 @@ int32_t linkInitCpu() {
     return 0;
 }
 
-void* linkCpuFunction(CpuSlot& slot, const char* name) {
+void* linkLookUpCpuFunction(CpuSlot& slot, const char* name) {
     if (slot.function == nullptr) slot.function = platformFindSymbol(linkState.cpuLibrary, name);
     if (slot.function == nullptr) {
         linkWriteLine("vorn error: Failed to read symbol '%s' from '%s'\n", name, linkState.cpuLibPath);

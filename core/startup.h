@@ -4,16 +4,27 @@
 
 #include <cstdint>
 
+#include "core/link_state.h"
+
 // The start-up of the whole library, run by the first exported call of the
 // process from whichever thread: lock, log, routing settings, vornInitialize, the
 // shutdown handler, the crossovers. Gives vornInitialize's status in the call that
 // ran the start-up and 0 in every other call; no caller looks at it. After start-up
-// it costs one acquire load and one test.
-int32_t linkInitGpu();
+// it costs one acquire load and one test, inline.
+int32_t linkStartUp();
+inline int32_t linkInitGpu() {
+    if (platformLoadAcquire(&linkState.gpuInitDone)) return 0;
+    return linkStartUp();
+}
 
 // Binds the CPU library the first time a routine needs the CPU side. Gives 1 when
 // the library is loaded, 0 when it is not (then the caller returns at once).
-int32_t linkInitCpu();
+// Once bound, two tests inline.
+int32_t linkBindCpu();
+inline int32_t linkInitCpu() {
+    if (platformLoadAcquire(&linkState.cpuInitDone) && linkState.cpuLibrary != nullptr) return 1;
+    return linkBindCpu();
+}
 
 // One cell per routine that can reach the CPU library: the routine's function in
 // the CPU library, null until a look-up found it. All spellings of a routine share
@@ -27,4 +38,7 @@ struct CpuSlot {
 // When the library lacks it, writes the "Failed to read symbol" line (whatever
 // verbose says) and gives null; the slot stays empty, so the next call of the
 // routine looks again. Only call after linkInitCpu gave 1.
-void* linkCpuFunction(CpuSlot& slot, const char* name);
+void* linkLookUpCpuFunction(CpuSlot& slot, const char* name);
+inline void* linkCpuFunction(CpuSlot& slot, const char* name) {
+    return slot.function != nullptr ? slot.function : linkLookUpCpuFunction(slot, name);
+}

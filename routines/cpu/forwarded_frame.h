@@ -58,8 +58,10 @@ struct ForwardedRoutine {
     static inline constinit CpuSlot cpuSlot{};
 };
 
+// Inlined into each routine's implementation: the words stay in registers, and
+// the call costs no more than a few tests on its way to the CPU library.
 template <class Routine>
-typename Routine::Result forwardedFrame(CallWords words) {
+[[gnu::always_inline]] inline typename Routine::Result forwardedFrame(CallWords words) {
     using Result = typename Routine::Result;
     using WorkQuery = typename Routine::WorkQuery;
 
