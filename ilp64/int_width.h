@@ -30,6 +30,18 @@ inline int32_t linkTakeInteger(void* output) {
     return value;
 }
 
+// A routine's integer data for ILP64 mode, recorded with its row: the integer
+// arrays packed and unpacked around the back-end call, each with its word
+// position and a length over the call's arguments, and the integer output
+// scalars whose high half is cleared after the call.
+template <int W, int32_t (*Length)(CallWords)> struct CountedArray {
+    static constexpr int position = W;
+};
+template <int W> struct OutputScalar {
+    static constexpr int position = W;
+};
+template <class... Items> struct IntegerData {};
+
 // The packing steps of a routine: its integer arrays go to 32-bit elements in
 // place before the first route decision and back to 64-bit elements at the
 // common end. No routine has a packing row yet, so both steps do nothing.

@@ -12,8 +12,11 @@
 //   VORN_EMU_CPU_LIB=<file>          the CPU library (default liblapackcpu.so)
 #pragma once
 
+#include <algorithm>
 #include <cstdio>
+#include <type_traits>
 #include <utility>
+#include <vector>
 
 #include "routing/fixed_string.h"
 #include "vorn_lapack.h"
@@ -99,4 +102,75 @@ int emulate(const char* gpuName, Args... args) {
         reinterpret_cast<Function>(function)(address(args)...);
         return VORN_STATUS_SUCCESS;
     }
+}
+
+// Common start of the routines written out below: record, forced status, readiness.
+// Gives true and sets status when the routine must return at once.
+template <FixedString Routine, class... Args>
+bool emulatorAnswersEarly(int& status, const char* gpuName, Args... args) {
+    emulatorRecordCall(gpuName, args...);
+    const ForcedStatus forced = emulatorForcedStatus(Routine.c_str());
+    if (forced.forced) {
+        emulatorSetErrorInfo(forced.info);
+        status = forced.status;
+        return true;
+    }
+    status = emulatorReadiness();
+    return status != 0;
+}
+
+inline double realPart(float v) { return v; }
+inline double realPart(double v) { return v; }
+inline double realPart(vornFloatComplex v) { return v.re; }
+inline double realPart(vornDoubleComplex v) { return v.re; }
+
+// getri without the caller's workspace: the emulator asks the CPU routine for the
+// optimal size and brings its own.
+template <FixedString Routine, class T>
+int emulateGetri(const char* gpuName, int n, T* a, int lda, const int* ipiv) {
+    int status;
+    if (emulatorAnswersEarly<Routine>(status, gpuName, n, static_cast<const void*>(a), lda,
+                                      static_cast<const void*>(ipiv))) {
+        return status;
+    }
+    using Getri = void (*)(const int*, T*, const int*, const int*, T*, const int*, int*);
+    auto getri = reinterpret_cast<Getri>(emulatorCpuFunction(Routine.c_str()));
+    if (getri == nullptr) return VORN_STATUS_NOT_AVAILABLE;
+    T size{};
+    int lwork = -1, info = 0;
+    getri(&n, a, &lda, ipiv, &size, &lwork, &info);
+    lwork = std::max(1, static_cast<int>(realPart(size)));
+    std::vector<T> work(lwork);
+    getri(&n, a, &lda, ipiv, work.data(), &lwork, &info);
+    return emulatorAnswer(info);
+}
+
+// dsgesv and zcgesv: the single-precision workspace (and zcgesv's rwork) and
+// iter are the emulator's own.
+template <FixedString Routine, class Single, class T>
+int emulateMixedGesv(const char* gpuName, int n, int nrhs, T* a, int lda, int* ipiv, const T* b, int ldb, T* x,
+                     int ldx, T* work) {
+    int status;
+    if (emulatorAnswersEarly<Routine>(status, gpuName, n, nrhs, static_cast<const void*>(a), lda,
+                                      static_cast<const void*>(ipiv), static_cast<const void*>(b), ldb,
+                                      static_cast<const void*>(x), ldx, static_cast<const void*>(work))) {
+        return status;
+    }
+    void* function = emulatorCpuFunction(Routine.c_str());
+    if (function == nullptr) return VORN_STATUS_NOT_AVAILABLE;
+    std::vector<Single> swork(static_cast<std::size_t>(std::max(n, 0)) * std::max(n + nrhs, 0) + 1);
+    std::vector<double> rwork(std::max(n, 1));
+    int iter = 0, info = 0;
+    if constexpr (std::is_same_v<T, double>) {
+        using Dsgesv = void (*)(const int*, const int*, T*, const int*, int*, const T*, const int*, T*, const int*,
+                                T*, Single*, int*, int*);
+        reinterpret_cast<Dsgesv>(function)(&n, &nrhs, a, &lda, ipiv, b, &ldb, x, &ldx, work, swork.data(), &iter,
+                                           &info);
+    } else {
+        using Zcgesv = void (*)(const int*, const int*, T*, const int*, int*, const T*, const int*, T*, const int*,
+                                T*, Single*, double*, int*, int*);
+        reinterpret_cast<Zcgesv>(function)(&n, &nrhs, a, &lda, ipiv, b, &ldb, x, &ldx, work, swork.data(),
+                                           rwork.data(), &iter, &info);
+    }
+    return emulatorAnswer(info);
 }
