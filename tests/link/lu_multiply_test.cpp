@@ -1,0 +1,317 @@
+// The LU and multiply families through the link library. One row per root holds
+// the shape of its arguments as the routine tables give them: the kind of each
+// word in order, which words never reach the GPU library, the integers to pass,
+// and the measure. From the row the tests build the calls, the entry line and the
+// GPU call the emulator records, and hold results against OpenBLAS.
+#include <cmath>
+#include <complex>
+#include <cstdint>
+#include <cstring>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "core/platform.h"
+#include "link_test.h"
+
+extern "C" void vornLinkSetCpuAlways();
+extern "C" void vornLinkSetGpuAlways();
+extern "C" void vornLinkClearCpuAlways();
+extern "C" void vornLinkClearGpuAlways();
+
+namespace {
+
+// Word kinds: c character, i integer, S the precision's scalar (real in s and d,
+// complex in c and z), R the precision's real scalar, p an array of the
+// precision's type, I an integer array, f a float array, F a single complex
+// array, d a double array, D a double complex array, w lwork, o info.
+// An upper-case X before a kind marks a word that never reaches the GPU library.
+enum class Measure { word, product, product3Double, productDouble, sum };
+
+struct RootRow {
+    const char* root;
+    const char* bases;      // the routines of the row
+    const char* kinds;      // one kind per word; "X" marks the next word as host-only
+    const char* characters; // values of the character words, in order
+    std::vector<int> integers;  // values of the integer words, in order (dims, leading dimensions)
+    Measure measure;
+    std::vector<int> measureWords;  // positions in `integers` of the measure's operands
+    int crossover;
+};
+
+// Small problems: every dimension at most 6, every leading dimension 8.
+const std::vector<RootRow> rows = {
+    {"gemm", "sgemm dgemm cgemm zgemm", "cciiiSpipiSpi", "NT", {5, 4, 3, 8, 8, 8}, Measure::product3Double, {0, 1, 2}, 4194304},
+    {"symm", "ssymm dsymm csymm zsymm", "cciiSpipiSpi", "LU", {5, 4, 8, 8, 8}, Measure::product, {0, 1}, 262144},
+    {"hemm", "chemm zhemm", "cciiSpipiSpi", "RL", {5, 4, 8, 8, 8}, Measure::productDouble, {0, 1}, 262144},
+    {"syrk", "ssyrk dsyrk csyrk zsyrk", "cciiSpiSpi", "UN", {5, 3, 8, 8}, Measure::product, {0, 1}, 262144},
+    {"herk", "cherk zherk", "cciiRpiRpi", "LC", {5, 3, 8, 8}, Measure::product, {0, 1}, 262144},
+    {"syr2k", "ssyr2k dsyr2k csyr2k zsyr2k", "cciiSpipiSpi", "LN", {5, 3, 8, 8, 8}, Measure::product, {0, 1}, 262144},
+    {"her2k", "cher2k zher2k", "cciiSpipiRpi", "UN", {5, 3, 8, 8, 8}, Measure::product, {0, 1}, 262144},
+    {"trmm", "strmm dtrmm ctrmm ztrmm", "cccciiSpipi", "LUNN", {5, 4, 8, 8}, Measure::product, {0, 1}, 262144},
+    {"trsm", "strsm dtrsm ctrsm ztrsm", "cccciiSpipi", "RLTN", {5, 4, 8, 8}, Measure::product, {0, 1}, 262144},
+    {"symv", "ssymv dsymv", "ciSpipiSpi", "U", {6, 8, 1, 1}, Measure::word, {0}, 512},
+    {"hemv", "chemv zhemv", "ciSpipiSpi", "L", {6, 8, 1, 1}, Measure::word, {0}, 512},
+    {"getrf", "sgetrf dgetrf cgetrf zgetrf", "iipiIo", "", {6, 5, 8}, Measure::product, {0, 1}, 1048576},
+    {"getrs", "sgetrs dgetrs cgetrs zgetrs", "ciipiIpio", "N", {6, 2, 8, 8}, Measure::word, {0}, 1024},
+    {"getri", "sgetri dgetri cgetri zgetri", "ipiIXpXwo", "", {6, 8, 64}, Measure::word, {0}, 1024},
+    {"gesv", "sgesv dgesv cgesv zgesv", "iipiIpio", "", {6, 2, 8, 8}, Measure::product, {0, 1}, 1048576},
+    {"gbtrf", "sgbtrf dgbtrf cgbtrf zgbtrf", "iiiipiIo", "", {6, 6, 1, 2, 8}, Measure::sum, {2, 3}, 1024},
+    {"dsgesv", "dsgesv", "iipiIpipipXfXIo", "", {6, 2, 8, 8, 8}, Measure::product, {0, 1}, 1048576},
+    {"zcgesv", "zcgesv", "iipiIpipipXFXdXIo", "", {6, 2, 8, 8, 8}, Measure::product, {0, 1}, 1048576},
+};
+
+std::vector<std::string> basesOf(const RootRow& row) {
+    std::vector<std::string> bases;
+    std::istringstream in(row.bases);
+    for (std::string base; in >> base;) bases.push_back(base);
+    return bases;
+}
+
+// The element type of the precision's arrays, by the routine's letter (dsgesv and
+// zcgesv by their first).
+bool isComplex(const std::string& base) { return base[0] == 'c' || base[0] == 'z'; }
+bool isDouble(const std::string& base) { return base[0] == 'd' || base[0] == 'z'; }
+
+// The storage behind the words of one call, filled from a seed so that two calls
+// built alike start from the same bytes.
+struct Call {
+    std::vector<std::vector<unsigned char>> storage;
+    std::vector<void*> words;
+    std::vector<bool> hostOnly;
+    std::string entryLine, recordLine;
+};
+
+Call buildCall(const RootRow& row, const std::string& base, const std::vector<int>& integers) {
+    Call call;
+    const bool complex = isComplex(base), dbl = isDouble(base);
+    const std::size_t real = dbl ? 8 : 4;
+    std::size_t nextCharacter = 0, nextInteger = 0;
+    std::string entry = "vorn info:  " + base + " (", record = "vorn" + std::string(1, char(base[0] - 32)) + base.substr(1) + "(";
+    const char* separator = "";
+    bool hostOnly = false;
+    unsigned seed = 7;
+    auto random = [&] { seed = seed * 1103515245u + 12345u; return double((seed >> 8) % 2001) / 1000.0 - 1.0; };
+    auto store = [&](std::size_t bytes) -> unsigned char* {
+        call.storage.emplace_back(bytes, 0);
+        call.words.push_back(call.storage.back().data());
+        call.hostOnly.push_back(hostOnly);
+        return call.storage.back().data();
+    };
+    auto putReal = [&](unsigned char* at, double value, std::size_t size) {
+        if (size == 8) std::memcpy(at, &value, 8);
+        else { float f = float(value); std::memcpy(at, &f, 4); }
+    };
+    auto show = [&](const std::string& logged, const std::string& recorded) {
+        if (hostOnly) return;
+        entry += separator + logged;
+        record += separator + recorded;
+        separator = ", ";
+    };
+    auto number = [](double v, std::size_t size, const char* logFormat) {
+        char text[64];
+        std::snprintf(text, sizeof text, logFormat, size == 8 ? v : double(float(v)));
+        return std::string(text);
+    };
+    for (const char* kind = row.kinds; *kind != '\0'; ++kind) {
+        if (*kind == 'X') { hostOnly = true; continue; }
+        switch (*kind) {
+            case 'c': {
+                const char value = row.characters[nextCharacter++];
+                *store(1) = static_cast<unsigned char>(value);
+                show(std::string(1, value), std::string(1, value));
+                break;
+            }
+            case 'i': case 'w': {
+                const int value = *kind == 'w' ? 64 : integers[nextInteger++];
+                std::memcpy(store(4), &value, 4);
+                show(std::to_string(value), std::to_string(value));
+                break;
+            }
+            case 'S': case 'R': {
+                const bool pair = *kind == 'S' && complex;
+                unsigned char* at = store(pair ? 2 * real : real);
+                putReal(at, 1.5, real);
+                if (pair) putReal(at + real, -0.25, real);
+                const char* digits = real == 8 ? "%.17g" : "%.9g";
+                if (pair) show("(" + number(1.5, real, "%f") + "," + number(-0.25, real, "%f") + ")",
+                               "(" + number(1.5, real, digits) + "," + number(-0.25, real, digits) + ")");
+                else show(number(1.5, real, "%f"), number(1.5, real, digits));
+                break;
+            }
+            case 'o': store(8); break;  // info: never shown
+            default: {  // arrays: random values, a strong diagonal for leading dimension 8
+                std::size_t parts = complex ? 2 : 1, partSize = real;
+                if (*kind == 'f' || *kind == 'F') partSize = 4;
+                if (*kind == 'd' || *kind == 'D') partSize = 8;
+                if (*kind == 'f' || *kind == 'd') parts = 1;
+                if (*kind == 'F' || *kind == 'D') parts = 2;
+                const int elements = 8 * 16;
+                unsigned char* at = store((*kind == 'I' ? 4 : parts * partSize) * elements);
+                for (int j = 0; j < elements; ++j) {
+                    if (*kind == 'I') {
+                        const int pivot = j % 6 + 1;  // a valid row for every problem here
+                        std::memcpy(at + 4 * j, &pivot, 4);
+                        continue;
+                    }
+                    for (std::size_t part = 0; part < parts; ++part) {
+                        const double boost = (part == 0 && j % 9 == 0) ? 8.0 : 0.0;
+                        putReal(at + (j * parts + part) * partSize, random() + boost, partSize);
+                    }
+                }
+                show(pointerText(at), pointerText(at));
+            }
+        }
+        hostOnly = false;
+    }
+    call.entryLine = entry + ")";
+    call.recordLine = record + ")";
+    return call;
+}
+
+template <std::size_t... I>
+void callWords(void* function, const std::vector<void*>& words, std::index_sequence<I...>) {
+    using Function = void (*)(decltype((void)I, static_cast<void*>(nullptr))...);
+    reinterpret_cast<Function>(function)((I < words.size() ? words[I] : nullptr)...);
+}
+void callWith(void* function, const Call& call) { callWords(function, call.words, std::make_index_sequence<17>{}); }
+
+void* linkRoutine(const std::string& base) {
+    void* found = dlsym(RTLD_DEFAULT, (base + "_").c_str());
+    EXPECT_NE(found, nullptr) << base;
+    return found;
+}
+
+// OpenBLAS in a namespace of its own: the reference, untouched by the link library.
+void* referenceRoutine(const std::string& base) {
+    static void* openblas = platformLoadIsolatedLibrary("libopenblas.so.0");
+    return platformFindSymbol(openblas, (base + "_").c_str());
+}
+
+double measureOf(const RootRow& row, const std::vector<int>& integers) {
+    auto at = [&](int i) { return integers[row.measureWords[i]]; };
+    switch (row.measure) {
+        case Measure::word: return at(0);
+        case Measure::sum: return int32_t(uint32_t(at(0)) + uint32_t(at(1)));
+        case Measure::product: return int32_t(uint32_t(at(0)) * uint32_t(at(1)));
+        case Measure::productDouble: return double(at(0)) * at(1);
+        case Measure::product3Double: return double(at(0)) * at(1) * at(2);
+    }
+    return 0;
+}
+
+}  // namespace
+
+// Each routine on each side gives OpenBLAS's bits: on the CPU, on the GPU (the
+// emulator), and on the CPU after a GPU failure — for class A (no info) also
+// after statuses 7 and 8, which only routines with info take as answers.
+TEST(LuMultiplyFamilies, EverySideGivesOpenBlasResults) {
+    const std::string record = useRecord();
+    std::size_t gpuCalls = 0;
+    for (const RootRow& row : rows) {
+        const bool classA = std::strchr(row.kinds, 'o') == nullptr;
+        for (const std::string& base : basesOf(row)) {
+            SCOPED_TRACE(base);
+            Call reference = buildCall(row, base, row.integers);
+            callWith(referenceRoutine(base), reference);
+            std::vector<std::string> failures = {"4"};
+            if (classA) failures.insert(failures.end(), {"7", "8"});
+            gpuCalls += 1 + failures.size();
+            // Side 0: the CPU; side 1: the GPU; then the GPU failing with each status.
+            for (std::size_t side = 0; side < 2 + failures.size(); ++side) {
+                if (side >= 2) setEnv("VORN_EMU_STATUS", base + "=" + failures[side - 2]);
+                if (side == 0) vornLinkSetCpuAlways(); else vornLinkSetGpuAlways();
+                Call call = buildCall(row, base, row.integers);
+                callWith(linkRoutine(base), call);
+                vornLinkClearCpuAlways();
+                vornLinkClearGpuAlways();
+                unsetenv("VORN_EMU_STATUS");
+                // Words that never reach the GPU library (workspace, iter) are the
+                // CPU routine's business only.
+                for (std::size_t w = 0; w < call.storage.size(); ++w) {
+                    if (side == 1 && call.hostOnly[w]) continue;
+                    EXPECT_EQ(call.storage[w], reference.storage[w]) << "side " << side << ", word " << w + 1;
+                }
+            }
+        }
+    }
+    EXPECT_EQ(readLines(record).size(), 1 + gpuCalls);  // vornInitialize, then one line per GPU call
+}
+
+// The entry line prints exactly the GPU arguments, the emulator receives them by
+// value, and the measure decides at the crossover: one below goes to the CPU,
+// equal and above to the GPU. No computation happens: the GPU answers are forced
+// and the CPU library is missing, so the words may describe any size.
+TEST(LuMultiplyFamilies, EntryLineGpuArgumentsAndCrossover) {
+    const std::string log = useLogFile();
+    const std::string record = useRecord();
+    setEnv("VORN_CPU_LIB", "libvorn-no-such-library.so");
+    std::string forced;
+    for (const RootRow& row : rows)
+        for (const std::string& base : basesOf(row)) forced += base + "=8:0,";
+    setEnv("VORN_EMU_STATUS", forced);
+    vornLinkClearGpuAlways();  // runs the start-up, so that each call adds only its own lines
+
+    for (const RootRow& row : rows) {
+        for (const std::string& base : basesOf(row)) {
+            SCOPED_TRACE(base);
+            for (int offset : {-1, 0, 1}) {
+                std::vector<int> integers = row.integers;
+                integers[row.measureWords[0]] = row.crossover + offset;  // the other operands are 1 or 0
+                for (std::size_t i = 1; i < row.measureWords.size(); ++i)
+                    integers[row.measureWords[i]] = row.measure == Measure::sum ? 0 : 1;
+                ASSERT_EQ(measureOf(row, integers), row.crossover + offset);
+                const auto logBefore = readLines(log).size(), recordBefore = readLines(record).size();
+                Call call = buildCall(row, base, integers);
+                callWith(linkRoutine(base), call);
+                const auto lines = readLines(log);
+                ASSERT_GT(lines.size(), logBefore + 1);
+                EXPECT_EQ(lines[logBefore], call.entryLine);
+                EXPECT_EQ(lines[logBefore + 1], offset < 0 ? "vorn info:  issuing to CPU (under threshold)"
+                                                           : "vorn info:  issuing to GPU (over threshold)");
+                const auto recorded = readLines(record);
+                if (offset < 0) {
+                    EXPECT_EQ(recorded.size(), recordBefore);
+                } else {
+                    ASSERT_EQ(recorded.size(), recordBefore + 1);
+                    EXPECT_EQ(recorded.back(), call.recordLine);
+                }
+            }
+        }
+    }
+}
+
+// Each measure takes its own operands: gesv n × nrhs, getrs n alone, gbtrf the
+// band width. Products of 32-bit dimensions wrap; gemm's and hemm's double
+// products do not.
+TEST(LuMultiplyFamilies, MeasuresTakeTheirOperandsAndWrapWhere32Bit) {
+    const std::string log = useLogFile();
+    setEnv("VORN_CPU_LIB", "libvorn-no-such-library.so");
+    setEnv("VORN_EMU_STATUS", "sgemm=8,ssymm=8,chemm=8,sgesv=8:0,dgesv=8:0,dgetrs=8:0,cgbtrf=8:0,dsyrk=8,ztrsm=8");
+    struct Case { const char* base; std::vector<int> integers; const char* issuing; };
+    const Case cases[] = {
+        {"sgemm", {65536, 65536, 65536, 8, 8, 8}, "vorn info:  issuing to GPU (over threshold)"},
+        {"ssymm", {65536, 65536, 8, 8, 8}, "vorn info:  issuing to CPU (under threshold)"},      // 2^32 wraps to 0
+        {"chemm", {65536, 65536, 8, 8, 8}, "vorn info:  issuing to GPU (over threshold)"},      // 2^32 in double
+        {"sgesv", {65536, 32769, 8, 8}, "vorn info:  issuing to CPU (under threshold)"},        // negative
+        {"dsyrk", {-70000, -70000, 8, 8}, "vorn info:  issuing to GPU (over threshold)"},       // positive again
+        {"ztrsm", {0, 100000, 8, 8}, "vorn info:  issuing to CPU (under threshold)"},           // zero
+        {"sgemm", {0, 4194304, 4194304, 8, 8, 8}, "vorn info:  issuing to CPU (under threshold)"},
+        {"dgesv", {1024, 1024, 8, 8}, "vorn info:  issuing to GPU (over threshold)"},            // not n alone
+        {"dgetrs", {1023, 100000, 8, 8}, "vorn info:  issuing to CPU (under threshold)"},        // nrhs plays no part
+        {"cgbtrf", {2, 2, 1000, 24, 8}, "vorn info:  issuing to GPU (over threshold)"},          // kl + ku only
+    };
+    for (const Case& c : cases) {
+        const RootRow* row = nullptr;
+        for (const RootRow& r : rows)
+            for (const std::string& base : basesOf(r)) if (base == c.base) row = &r;
+        ASSERT_NE(row, nullptr);
+        const auto before = readLines(log).size();
+        Call call = buildCall(*row, c.base, c.integers);
+        callWith(linkRoutine(c.base), call);
+        EXPECT_EQ(readLines(log).at(before + 1), c.issuing) << c.base;
+    }
+}
