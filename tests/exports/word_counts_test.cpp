@@ -37,23 +37,31 @@
 #include "routing/routed_frame.h"
 #include "exports_test.h"
 
-// The routed roots come from their family files, one include per family of
-// routed_routines.inc, with the routines themselves left out: only the roots'
-// frame classes are wanted here.
-#undef VORN_ROUTED_ROUTINE
-#define VORN_ROUTED_ROUTINE(base, Root, count, gpuFunction)
-#include "routines/routed/cholesky_triangular.cpp"
+// The routed roots' rows, for their frame classes.
+#include "routines/routed/cholesky_triangular_rows.h"
+#include "routines/routed/lu_rows.h"
+#include "routines/routed/multiply_rank_update_rows.h"
 
 namespace {
 
 using Facts = RoutineFacts;
 
+// A routed routine's facts from its root's row: class B and C have info, class C
+// a work query on its lwork word.
+template <class Root>
+void addRouted(Facts& facts, int words) {
+    facts.words = words;
+    facts.info = Root::frameClass != FrameClass::A;
+    if constexpr (Root::frameClass == FrameClass::C) {
+        facts.query(Facts::Query<Tested<Root::lwork>, typename Root::WorkLines>{});
+    }
+}
+
 // Ours, from the tables: the forwarded routines, and the routed ones that stand.
 std::map<std::string, Facts> ourRoutines() {
     std::map<std::string, Facts> ours;
     for (const Facts& routine : forwardedTable()) ours[routine.name] = routine;
-#define ROUTED(base, Root, count, gpuFunction) \
-    ours[#base].words = count, ours[#base].info = Root::frameClass != FrameClass::A;
+#define ROUTED(base, Root, count, gpuFunction) addRouted<Root>(ours[#base], count);
 #include "routines/routed/routed_routines.inc"
 #undef ROUTED
     return ours;
