@@ -30,19 +30,3 @@ void linkLogIssue(IssueReason reason) {
                       reasonTexts[reason].words);
     }
 }
-
-IssueReason linkChooseReason(const RouteState& s) {
-    if (s.gpuUnavailable) return ReasonGpuUnavailable;
-    if (s.retry) return ReasonGpuRetry;
-    if (s.workQuery) return ReasonWorkQuery;
-    if (s.excluded) return ReasonExcluded;
-    if (s.cpuAlways) return ReasonCpuAlways;
-    if (s.gpuAlways) return ReasonGpuAlways;
-    if (s.underCrossover) return ReasonUnderThreshold;
-    return ReasonOverThreshold;
-}
-
-bool linkRouteToGpu(const RouteState& s) {
-    if (!s.gpuAlways && s.underCrossover) return false;
-    return !(s.gpuUnavailable || s.retry || s.workQuery || s.excluded || s.cpuAlways);
-}

@@ -36,8 +36,20 @@ struct RouteState {
 };
 
 // The reason of a pass: the first rule that holds, in order of precedence.
-IssueReason linkChooseReason(const RouteState& state);
+inline IssueReason linkChooseReason(const RouteState& s) {
+    if (s.gpuUnavailable) return ReasonGpuUnavailable;
+    if (s.retry) return ReasonGpuRetry;
+    if (s.workQuery) return ReasonWorkQuery;
+    if (s.excluded) return ReasonExcluded;
+    if (s.cpuAlways) return ReasonCpuAlways;
+    if (s.gpuAlways) return ReasonGpuAlways;
+    if (s.underCrossover) return ReasonUnderThreshold;
+    return ReasonOverThreshold;
+}
 
 // Whether a pass goes on to the GPU. Agrees with linkChooseReason's side for the
 // same state.
-bool linkRouteToGpu(const RouteState& state);
+inline bool linkRouteToGpu(const RouteState& s) {
+    if (!s.gpuAlways && s.underCrossover) return false;
+    return !(s.gpuUnavailable || s.retry || s.workQuery || s.excluded || s.cpuAlways);
+}

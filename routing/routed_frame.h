@@ -83,8 +83,9 @@ bool routedGpuCall(CallWords words, void* info) {
     return false;
 }
 
+// Inlined into each routine's implementation, like the forwarded frame.
 template <class Routine>
-void routedFrame(CallWords words) {
+[[gnu::always_inline]] inline void routedFrame(CallWords words) {
     using Args = typename Routine::Args;
     constexpr bool hasInfo = Args::frameClass != FrameClass::A;
     constexpr bool hasWorkQuery = Args::frameClass == FrameClass::C;
@@ -119,7 +120,9 @@ void routedFrame(CallWords words) {
                               linkState.cpuAlways != 0, linkState.gpuAlways != 0,
                               measureUnderCrossover<Routine>(words)};
         };
-        linkLogIssue(linkChooseReason(state()));
+        // linkLogIssue writes nothing with verbose off: the reason is then not
+        // worked out at all.
+        if (linkState.verbose) linkLogIssue(linkChooseReason(state()));
         if (!linkRouteToGpu(state())) break;
         if (routedGpuCall<Routine>(words, info)) return commonEnd();
     }

@@ -5,4 +5,4 @@ source "$(dirname "${BASH_SOURCE[0]}")/packages.sh"
 ensure_packages libbenchmark-dev
 source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
 LD_LIBRARY_PATH="$build/backends/vorn-emulator${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH}" \
-  "$build/bench/forwarded_call_bench" --benchmark_repetitions=5 --benchmark_report_aggregates_only=true "$@"
+  "$build/bench/call_cost_bench" --benchmark_repetitions=5 --benchmark_report_aggregates_only=true "$@"

@@ -1,7 +1,9 @@
-// The cost of one forwarded call after start-up, with the log off: the same call
-// through the link library (as an application calls it, ddot_), straight into
-// the CPU library (ddot), and straight into OpenBLAS (ddot_). The difference
-// between the first two is what the link library adds.
+// The cost of one call after start-up, with the log off: the same call through
+// the link library (as an application calls it, ddot_), straight into the CPU
+// library (ddot), and straight into OpenBLAS (ddot_). The difference between the
+// first two is what the link library adds. ddot and dlaswp are forwarded
+// routines; dgemm and dgetrf are routed ones, here under their crossovers, so
+// that they too run on the CPU library.
 #include <benchmark/benchmark.h>
 #include <cstdio>
 #include <cstdlib>
@@ -21,10 +23,15 @@ void* symbol(const char* library, const char* name) {
 
 using Ddot = double (*)(const int*, const double*, const int*, const double*, const int*);
 using Dlaswp = void (*)(const int*, double*, const int*, const int*, const int*, const int*, const int*);
+using Dgemm = void (*)(const char*, const char*, const int*, const int*, const int*, const double*, const double*,
+                       const int*, const double*, const int*, const double*, double*, const int*);
+using Dgetrf = void (*)(const int*, const int*, double*, const int*, int*, int*);
 
 struct Sides {
     Ddot ddot[3];
     Dlaswp dlaswp[3];
+    Dgemm dgemm[3];
+    Dgetrf dgetrf[3];
 };
 
 // 0: the link library, 1: the CPU library, 2: OpenBLAS.
@@ -39,6 +46,12 @@ const Sides& sides() {
         s.dlaswp[0] = reinterpret_cast<Dlaswp>(symbol(link, "dlaswp_"));
         s.dlaswp[1] = reinterpret_cast<Dlaswp>(symbol(cpu, "dlaswp"));
         s.dlaswp[2] = reinterpret_cast<Dlaswp>(symbol("libopenblas.so.0", "dlaswp_"));
+        s.dgemm[0] = reinterpret_cast<Dgemm>(symbol(link, "dgemm_"));
+        s.dgemm[1] = reinterpret_cast<Dgemm>(symbol(cpu, "dgemm"));
+        s.dgemm[2] = reinterpret_cast<Dgemm>(symbol("libopenblas.so.0", "dgemm_"));
+        s.dgetrf[0] = reinterpret_cast<Dgetrf>(symbol(link, "dgetrf_"));
+        s.dgetrf[1] = reinterpret_cast<Dgetrf>(symbol(cpu, "dgetrf"));
+        s.dgetrf[2] = reinterpret_cast<Dgetrf>(symbol("libopenblas.so.0", "dgetrf_"));
         return s;
     }();
     return loaded;
@@ -67,6 +80,30 @@ void dlaswpOneRow(benchmark::State& state) {
     }
 }
 
+void dgemmOneByOne(benchmark::State& state) {
+    const Dgemm dgemm = sides().dgemm[state.range(0)];
+    const int one = 1;
+    const double alpha = 1.0, beta = 0.5, a = 2.0, b = 3.0;
+    double c = 1.0;
+    dgemm("N", "N", &one, &one, &one, &alpha, &a, &one, &b, &one, &beta, &c, &one);
+    for (auto _ : state) {
+        dgemm("N", "N", &one, &one, &one, &alpha, &a, &one, &b, &one, &beta, &c, &one);
+        benchmark::ClobberMemory();
+    }
+}
+
+void dgetrfOneByOne(benchmark::State& state) {
+    const Dgetrf dgetrf = sides().dgetrf[state.range(0)];
+    const int one = 1;
+    double a = 4.0;
+    int ipiv = 0, info = 0;
+    dgetrf(&one, &one, &a, &one, &ipiv, &info);
+    for (auto _ : state) {
+        dgetrf(&one, &one, &a, &one, &ipiv, &info);
+        benchmark::ClobberMemory();
+    }
+}
+
 void sideNames(benchmark::internal::Benchmark* b) {
     b->ArgName("side_0link_1cpu_2openblas")->Arg(0)->Arg(1)->Arg(2);
 }
@@ -75,4 +112,6 @@ void sideNames(benchmark::internal::Benchmark* b) {
 
 BENCHMARK(ddotOne)->Apply(sideNames);
 BENCHMARK(dlaswpOneRow)->Apply(sideNames);
+BENCHMARK(dgemmOneByOne)->Apply(sideNames);
+BENCHMARK(dgetrfOneByOne)->Apply(sideNames);
 BENCHMARK_MAIN();
