@@ -16,6 +16,14 @@ struct PlatformLock {
     alignas(16) unsigned char storage[48];
 };
 
+// The CPU library's file name when VORN_CPU_LIB is not set: the platform's own
+// spelling of a shared library, found by the loader's usual search.
+#if defined(_WIN32)
+inline constexpr char platformDefaultCpuLibrary[] = "lapackcpu.dll";
+#else
+inline constexpr char platformDefaultCpuLibrary[] = "liblapackcpu.so";
+#endif
+
 // Loads a shared library by name and gives its handle, or null when it cannot be
 // loaded. An empty name always fails (some loaders answer it with the main program).
 void* platformLoadLibrary(const char* name);

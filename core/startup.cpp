@@ -7,9 +7,9 @@
 #include "routing/crossover_table.h"
 #include "vorn_lapack.h"
 
-// The CPU library loaded when VORN_CPU_LIB is not set.
-static constexpr char defaultCpuLibrary[] = "liblapackcpu.so";
-static_assert(sizeof defaultCpuLibrary <= cpuLibPathSize);
+// The CPU library loaded when VORN_CPU_LIB is not set is the platform's
+// (liblapackcpu.so, lapackcpu.dll); it must fit the path buffer.
+static_assert(sizeof platformDefaultCpuLibrary <= cpuLibPathSize);
 
 // Creates initLock on first use. The lock cannot be created at load time (nothing
 // runs then), so the first thread to claim it creates it while any other thread
@@ -92,7 +92,7 @@ static int32_t linkBindCpuLibrary() {
         }
         std::strncpy(linkState.cpuLibPath, path, cpuLibPathSize - 1);
     } else {
-        std::memcpy(linkState.cpuLibPath, defaultCpuLibrary, sizeof defaultCpuLibrary);
+        std::memcpy(linkState.cpuLibPath, platformDefaultCpuLibrary, sizeof platformDefaultCpuLibrary);
     }
     if (linkState.verbose) linkWriteLine("vorn info:  CPU library is %s\n", linkState.cpuLibPath);
 

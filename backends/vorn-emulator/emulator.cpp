@@ -69,7 +69,7 @@ int vornInitialize(void) {
         if (std::atoi(status) != 0) return readiness = std::atoi(status);
     }
     const char* path = std::getenv("VORN_EMU_CPU_LIB");
-    cpuLibrary = platformLoadLibrary(path != nullptr ? path : "liblapackcpu.so");
+    cpuLibrary = platformLoadLibrary(path != nullptr ? path : platformDefaultCpuLibrary);
     readiness = cpuLibrary != nullptr ? VORN_STATUS_SUCCESS : VORN_STATUS_DEPENDENCY_MISSING;
     return readiness;
 }

@@ -9,7 +9,7 @@
 //                                    arrays, and vornGetErrorInfo gives <info>
 //   VORN_EMU_RECORD=<file>           appends one line per call with the
 //                                    by-value arguments: "vornSpotrf(U, 4, 0x..., 4)"
-//   VORN_EMU_CPU_LIB=<file>          the CPU library (default liblapackcpu.so)
+//   VORN_EMU_CPU_LIB=<file>          the CPU library (default liblapackcpu.so, lapackcpu.dll on Windows)
 #pragma once
 
 #include <algorithm>
