@@ -9,6 +9,8 @@
 #include <vector>
 
 #include "recording_cpu.h"
+#include "routines/routed/lu_rows.h"
+#include "routines/routed/multiply_rank_update_rows.h"
 #include "routing/routed_frame.h"
 #include "test_support.h"
 
@@ -58,24 +60,9 @@ int fakeSsyevd(char jobz, char uplo, int n, float* a, int lda, float* w) {
     return gpuCall("%c %c %d %p %d %p", jobz, uplo, n, a, lda, w);
 }
 
-// Rows as the routine tables write them. gemm: 13 words, class A, measure
-// (m*n)*k formed in double, with a real or a complex scalar.
-template <template <int> class Scalar>
-struct gemmShape {
-    enum : int { transa = 1, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc, wordCount = ldc };
-    static constexpr FrameClass frameClass = FrameClass::A;
-    using GpuArgs = ArgList<Chr<transa>, Chr<transb>, Int<m>, Int<n>, Int<k>, Scalar<alpha>, Ptr<a>, Int<lda>,
-                            Ptr<b>, Int<ldb>, Scalar<beta>, Ptr<c>, Int<ldc>>;
-    static double measure(CallWords w) { return static_cast<double>(w.integer(m)) * w.integer(n) * w.integer(k); }
-};
-// getri: 7 words, class C, one real work line.
-struct getriShape {
-    enum : int { n = 1, a, lda, ipiv, work, lwork, info, wordCount = info };
-    static constexpr FrameClass frameClass = FrameClass::C;
-    using GpuArgs = ArgList<Int<n>, Ptr<a>, Int<lda>, Ptr<ipiv>>;
-    using WorkLines = ::WorkLines<WorkReal<work>>;
-    static int32_t measure(CallWords words) { return words.integer(n); }
-};
+// Rows: gemm (class A, a double measure, a real or a complex scalar) and getri
+// (class C, one real work line) as the families define them, and a row shaped
+// like syevd, with a real and an integer work line.
 // syevd: 11 words, class C, a real and an integer work line.
 struct syevdShape {
     enum : int { jobz = 1, uplo, n, a, lda, w, work, lwork, iwork, liwork, info, wordCount = info };
@@ -85,12 +72,12 @@ struct syevdShape {
     static int32_t measure(CallWords words) { return words.integer(n); }
 };
 
-using Dgemm = RoutedRoutine<"dfakegemm", gemmShape<Real>, fakeDgemm, &CrossoverTable::spotrf>;
-using Zgemm = RoutedRoutine<"zfakegemm", gemmShape<Cplx>, fakeZgemm, &CrossoverTable::spotrf>;
-using Dgetri = RoutedRoutine<"dfakegetri", getriShape, fakeDgetri, &CrossoverTable::spotrf>;
+using Dgemm = RoutedRoutine<"dfakegemm", gemm<Real>, fakeDgemm, &CrossoverTable::spotrf>;
+using Zgemm = RoutedRoutine<"zfakegemm", gemm<Cplx>, fakeZgemm, &CrossoverTable::spotrf>;
+using Dgetri = RoutedRoutine<"dfakegetri", getri, fakeDgetri, &CrossoverTable::spotrf>;
 using Ssyevd = RoutedRoutine<"sfakesyevd", syevdShape, fakeSsyevd, &CrossoverTable::spotrf>;
 // A row whose name the CPU library does not export.
-using Dmissing = RoutedRoutine<"dfakemissing", getriShape, fakeDgetri, &CrossoverTable::spotrf>;
+using Dmissing = RoutedRoutine<"dfakemissing", getri, fakeDgetri, &CrossoverTable::spotrf>;
 
 // Callers' arguments. Integers are 64 bits wide so that the same calls serve ILP64
 // mode; info starts with a pattern in both halves, and a LP64 call must keep the
