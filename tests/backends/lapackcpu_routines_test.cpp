@@ -20,6 +20,7 @@
 #include <vector>
 
 #include "exports/routine_classes.h"
+#include "published_prototypes.h"
 #include "test_support.h"
 
 // OpenBLAS, linked into this program, with gfortran's hidden lengths.
@@ -101,61 +102,21 @@ struct Prototype {
     int lengths = 0;
 };
 
-std::string trimmed(const std::string& text) {
-    const auto first = text.find_first_not_of(" \t\n");
-    return first == std::string::npos ? "" : text.substr(first, text.find_last_not_of(" \t\n") - first + 1);
-}
-
-// The prototypes of a header by Fortran name. Each is named by a macro, "#define
-// ID LAPACK_GLOBAL(name,NAME)" (F77_GLOBAL in the BLAS header), and declared as
-// "ID(parameters);", where the hidden lengths are size_t parameters behind an #ifdef.
-// Directive lines are dropped, their #ifdef blocks' other lines kept.
-std::map<std::string, Prototype> prototypesIn(const char* path) {
-    std::ifstream in(path);
-    EXPECT_TRUE(in) << path;
-    std::map<std::string, std::string> fortranName;
-    std::string text, line;
-    while (std::getline(in, line)) {
-        const std::string directive = trimmed(line);
-        if (directive.empty() || directive[0] != '#') {
-            text += line + "\n";
-            continue;
-        }
-        std::istringstream words(directive.substr(1));
-        std::string keyword, id, value;
-        words >> keyword >> id >> value;
-        const auto open = value.find("_GLOBAL(");
-        if (keyword == "define" && open != std::string::npos) {
-            fortranName[id] = value.substr(open + 8, value.find(',') - open - 8);
-        }
-    }
-    std::map<std::string, Prototype> prototypes;
-    for (const auto& [id, name] : fortranName) {
-        const auto at = text.find(id + "(");
-        if (at == std::string::npos) continue;
-        const auto begin = at + id.size() + 1;
-        std::stringstream list(text.substr(begin, text.find(')', begin) - begin));
-        Prototype prototype;
-        for (std::string parameter; std::getline(list, parameter, ',');) {
-            parameter = trimmed(parameter);
-            if (parameter.empty()) continue;
-            if (parameter == "size_t") {
-                ++prototype.lengths;
-                continue;
-            }
-            ++prototype.parameters;
-            if (parameter.starts_with("char") || parameter.starts_with("const char") || parameter == "FCHAR")
-                prototype.characters.push_back(prototype.parameters);
-        }
-        prototypes[name] = prototype;
-    }
-    EXPECT_GT(prototypes.size(), 100u) << path;
-    return prototypes;
-}
-
 std::map<std::string, Prototype> publishedPrototypes() {
-    auto prototypes = prototypesIn(VORN_LAPACK_HEADER);
-    prototypes.merge(prototypesIn(VORN_BLAS_HEADER));
+    std::map<std::string, Prototype> prototypes;
+    for (const char* path : {VORN_LAPACK_HEADER, VORN_BLAS_HEADER}) {
+        const auto published = readPublishedPrototypes(path);
+        EXPECT_GT(published.size(), 100u) << path;
+        for (const auto& [name, found] : published) {
+            Prototype prototype{static_cast<int>(found.parameters.size()), {}, found.hiddenLengths};
+            for (int i = 0; i < prototype.parameters; ++i) {
+                const std::string& parameter = found.parameters[i];
+                if (parameter.starts_with("char") || parameter.starts_with("const char") || parameter == "FCHAR")
+                    prototype.characters.push_back(i + 1);
+            }
+            prototypes.emplace(name, prototype);  // lapack.h first
+        }
+    }
     return prototypes;
 }
 

@@ -36,6 +36,7 @@
 
 #include "routing/routed_frame.h"
 #include "exports_test.h"
+#include "published_prototypes.h"
 
 // The routed roots' rows, for their frame classes.
 #include "routines/routed/cholesky_triangular_rows.h"
@@ -67,67 +68,13 @@ std::map<std::string, Facts> ourRoutines() {
     return ours;
 }
 
-std::string lastIdentifier(const std::string& text) {
-    std::size_t end = text.size();
-    while (end > 0 && !(std::isalnum(static_cast<unsigned char>(text[end - 1])) || text[end - 1] == '_')) --end;
-    std::size_t begin = end;
-    while (begin > 0 && (std::isalnum(static_cast<unsigned char>(text[begin - 1])) || text[begin - 1] == '_')) --begin;
-    return text.substr(begin, end - begin);
-}
-
-// One header's prototypes by Fortran name. Prototype names are macros defined by
-// "#define ID LAPACK_GLOBAL(name,NAME)" (F77_GLOBAL in the BLAS header); the
-// "#ifdef ..._FORTRAN_STRLEN_END" blocks, which add the hidden lengths, are dropped.
+// One header's prototypes as facts of ours, by Fortran name.
 std::map<std::string, Facts> declaredIn(const std::string& path, const std::set<std::string>& ours) {
-    std::ifstream in(path);
-    std::map<std::string, std::string> fortranName;
-    std::string text, line;
-    int skipping = 0;
-    while (std::getline(in, line)) {
-        const std::size_t first = line.find_first_not_of(" \t");
-        if (first == std::string::npos || line[first] != '#') {
-            if (!skipping) text += line + "\n";
-            continue;
-        }
-        std::istringstream directive(line.substr(first + 1));
-        std::string keyword, id, value;
-        directive >> keyword >> id >> value;
-        if (skipping) {
-            skipping += keyword.rfind("if", 0) == 0 ? 1 : keyword == "endif" ? -1 : 0;
-        } else if (keyword.rfind("if", 0) == 0 && line.find("FORTRAN_STRLEN_END") != std::string::npos) {
-            skipping = 1;
-        } else if (keyword == "define" && value.find("_GLOBAL(") != std::string::npos) {
-            fortranName[id] = value.substr(value.find('(') + 1, value.find(',') - value.find('(') - 1);
-        }
-    }
-    EXPECT_FALSE(fortranName.empty()) << "no prototypes read from " << path;
-
     std::map<std::string, Facts> declared;
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t open = text.find('(', at);
-        if (open == std::string::npos) break;
-        at = open + 1;
-        // The identifier before the parenthesis, and the return type before it.
-        std::string head = text.substr(open > 200 ? open - 200 : 0, open > 200 ? 200 : open);
-        head.erase(head.find_last_not_of(" \t\n") + 1);
-        const auto found = fortranName.find(lastIdentifier(head));
-        if (found == fortranName.end()) continue;
-        head.erase(head.size() - found->first.size());
-        std::string name = found->second;
-        const std::string returned = lastIdentifier(head);
-        std::vector<std::string> parameters(1);
-        int depth = 1;
-        for (; depth > 0 && at < text.size(); ++at) {
-            const char c = text[at];
-            depth += c == '(' ? 1 : c == ')' ? -1 : 0;
-            if (depth == 1 && c == ',')
-                parameters.emplace_back();
-            else if (depth > 0)
-                parameters.back() += c;
-        }
-        if (lastIdentifier(parameters.back()).empty() || parameters == std::vector<std::string>{"void"})
-            parameters.pop_back();
-
+    for (const auto& [fortranName, prototype] : readPublishedPrototypes(path)) {
+        std::string name = fortranName;
+        const std::string& returned = prototype.returned;
+        const std::vector<std::string>& parameters = prototype.parameters;
         Facts facts;
         facts.words = static_cast<int>(parameters.size());
         for (int i = 0; i < facts.words; ++i) {
