@@ -27,6 +27,11 @@ std::vector<std::string> startWithList(const std::string& content, bool verbose 
     const std::string log = tempPath("vorn.log");
     if (verbose) setEnv("VORN_DEBUG_LOG", log);
     setEnv("VORN_CPU_LIB", VORN_TEST_LAPACKCPU);
+#ifdef VORN_TEST_EMULATOR_CPU
+    // Where the emulator finds no CPU library of the default name (Windows, which
+    // has no CPU adapter yet), it computes through the one the test names.
+    setEnv("VORN_EMU_CPU_LIB", VORN_TEST_EMULATOR_CPU);
+#endif
     linkInitGpu();
     return readLines(log);
 }

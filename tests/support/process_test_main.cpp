@@ -8,7 +8,13 @@
 #include <string>
 #include <vector>
 
+#if defined(_WIN32)
+// msvcrt: environ is a macro for the C library's own table, and _putenv with an
+// empty value removes a variable.
+static void unsetenv(const char* name) { _putenv((std::string(name) + "=").c_str()); }
+#else
 extern char** environ;
+#endif
 
 namespace {
 
