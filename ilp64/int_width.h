@@ -26,7 +26,10 @@ inline void linkStoreInteger(void* output, int32_t value) {
 inline int32_t linkTakeInteger(void* output) {
     int32_t value;
     std::memcpy(&value, output, sizeof value);
-    linkStoreInteger(output, value);
+    if (linkState.ilp64) {
+        const int32_t zero = 0;
+        std::memcpy(static_cast<char*>(output) + 4, &zero, sizeof zero);
+    }
     return value;
 }
 
