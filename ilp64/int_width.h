@@ -11,14 +11,20 @@
 #include "core/link_state.h"
 #include "routing/call_words.h"
 
-// Stores a 32-bit value in the low half of an integer output; in ILP64 mode also
-// a 0 in its high half, so the caller reads the value zero-extended.
-inline void linkStoreInteger(void* output, int32_t value) {
-    std::memcpy(output, &value, sizeof value);
+// In ILP64 mode, a 0 in the high half of an integer output, so that the caller
+// reads the low half zero-extended.
+inline void linkClearHighHalf(void* output) {
     if (linkState.ilp64) {
         const int32_t zero = 0;
         std::memcpy(static_cast<char*>(output) + 4, &zero, sizeof zero);
     }
+}
+
+// Stores a 32-bit value in the low half of an integer output and clears its high
+// half in ILP64 mode.
+inline void linkStoreInteger(void* output, int32_t value) {
+    std::memcpy(output, &value, sizeof value);
+    linkClearHighHalf(output);
 }
 
 // Reads the low half of an integer output that a back end wrote and, in ILP64
@@ -26,10 +32,7 @@ inline void linkStoreInteger(void* output, int32_t value) {
 inline int32_t linkTakeInteger(void* output) {
     int32_t value;
     std::memcpy(&value, output, sizeof value);
-    if (linkState.ilp64) {
-        const int32_t zero = 0;
-        std::memcpy(static_cast<char*>(output) + 4, &zero, sizeof zero);
-    }
+    linkClearHighHalf(output);
     return value;
 }
 
