@@ -12,8 +12,10 @@ wine=/usr/lib/wine/wine64
 wineserver=/usr/lib/wine/wineserver
 
 source "$root/tools/packages.sh"
-# googletest: its sources, which the Windows build compiles with MinGW-w64.
-ensure_packages cmake g++ make g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 googletest wine64
+# googletest: its sources, which the Windows build compiles with MinGW-w64;
+# liblapacke-dev and libblas-dev: the published prototypes the table tests read.
+ensure_packages cmake g++ make g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 googletest wine64 \
+  liblapacke-dev libblas-dev
 
 # The library, the emulator and the export check, as tools/build-windows.sh does
 # them, with the tests on and Wine as the emulator that runs test programs.

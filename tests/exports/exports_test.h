@@ -7,7 +7,8 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
-#include <dlfcn.h>
+#include <fstream>
+#include <iterator>
 #include <gmock/gmock.h>
 #include <stdexcept>
 #include <string>
@@ -128,15 +129,21 @@ public:
         FILE* out = std::fopen(path_.c_str(), "w");
         dup2(fileno(out), 1);
         std::fclose(out);
-        in_ = std::fopen(path_.c_str(), "r");
     }
     ~OutputLines() { finish(); }
+    // Reads the file anew from where the last look ended; on Windows, where
+    // standard output is in text mode, each line ends in CR LF.
     std::vector<std::string> next() {
+        std::fflush(stdout);
+        std::ifstream in(path_, std::ios::binary);
+        in.seekg(static_cast<std::streamoff>(read_));
+        const std::string text{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+        read_ += text.size();
         std::vector<std::string> lines;
-        for (char buffer[1024]; std::fgets(buffer, sizeof buffer, in_) != nullptr;) {
-            lines.emplace_back(buffer, std::strcspn(buffer, "\n"));
+        for (std::size_t start = 0, end; (end = text.find('\n', start)) != std::string::npos; start = end + 1) {
+            lines.push_back(text.substr(start, end - start));
+            if (lines.back().ends_with('\r')) lines.back().pop_back();
         }
-        std::clearerr(in_);
         return lines;
     }
     void finish() {
@@ -145,13 +152,12 @@ public:
         dup2(saved_, 1);
         close(saved_);
         saved_ = -1;
-        std::fclose(in_);
     }
 
 private:
     std::string path_;
     int saved_ = -1;
-    FILE* in_ = nullptr;
+    std::size_t read_ = 0;
 };
 
 // What a stretch of calls found while the log went to a file, reported after it.
@@ -174,8 +180,8 @@ inline std::string joined(const std::vector<std::string>& lines) {
 
 #ifdef VORN_TEST_LINK_LIBRARY
 inline void* openLinkLibrary() {
-    void* link = dlopen(VORN_TEST_LINK_LIBRARY, RTLD_NOW | RTLD_LOCAL);
-    if (link == nullptr) throw std::runtime_error(dlerror());
+    void* link = openLibrary(VORN_TEST_LINK_LIBRARY);
+    if (link == nullptr) throw std::runtime_error("cannot open " VORN_TEST_LINK_LIBRARY);
     return link;
 }
 #endif

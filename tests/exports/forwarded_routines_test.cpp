@@ -3,7 +3,6 @@
 // (the words it receives, the log's lines, info, work queries, function results)
 // and over a CPU library that cannot be reached (nothing touched, results of 0).
 #include <map>
-#include <sys/mman.h>
 
 #include "exports_test.h"
 #include "recording_forwarded_cpu.h"
@@ -28,7 +27,7 @@ struct Call {
     // routine to routine), 0 in the others; the high halves keep the other value,
     // so only a 32-bit reading sees the query.
     Call(const RoutineFacts& routine, std::size_t index, bool query) : cells(routine.words), words(routine.words) {
-        static void* const noAccess = mmap(nullptr, 4096, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        void* const noAccess = noAccessPage();
         const int queried = routine.tested.empty() ? 0 : routine.tested[index % routine.tested.size()];
         for (int word = 1; word <= routine.words; ++word) {
             auto& cell = cells[word - 1];
@@ -88,15 +87,15 @@ TEST(ForwardedRoutines, ReachTheirCpuRoutineWithTheirWordsAndReport) {
     setEnv("VORN_CPU_LIB", RECORDING_CPU_PATH);
     setEnv("VORN_VERBOSE", "1");
     void* link = openLinkLibrary();
-    void* cpu = dlopen(RECORDING_CPU_PATH, RTLD_NOW | RTLD_LOCAL);  // the one the link library loads
-    ForwardedCpuRecord& record = *reinterpret_cast<RecordingForwardedCpu>(dlsym(cpu, "recordingForwardedCpu"))();
+    void* cpu = openLibrary(RECORDING_CPU_PATH);  // the one the link library loads
+    ForwardedCpuRecord& record = *reinterpret_cast<RecordingForwardedCpu>(librarySymbol(cpu, "recordingForwardedCpu"))();
     Findings findings;
     OutputLines output;
 
     // The first call of the process: verbose is read in the start-up, after the
     // place of the entry line.
     Call first(routines[0], 0, false);
-    callRoutine(dlsym(link, routines[0].name.c_str()), routines[0].result, first.words);
+    callRoutine(librarySymbol(link, routines[0].name.c_str()), routines[0].result, first.words);
     const auto firstLines = output.next();
     findings.expect(std::count(firstLines.begin(), firstLines.end(), entryLine(routines[0].name)) == 0 &&
                         firstLines.size() >= 2 && firstLines.end()[-2] == issuingLine &&
@@ -111,7 +110,7 @@ TEST(ForwardedRoutines, ReachTheirCpuRoutineWithTheirWordsAndReport) {
             record.info = !query ? 0 : i % 2 ? -static_cast<int32_t>(i) - 1 : static_cast<int32_t>(i) + 1;
             record.result = 0xC0DE000000000000 ^ (uint64_t{i} << 24) ^ (query ? 0xA5A5A5A5 : 0x3C3C3C3C);
             const int calls = record.calls;
-            const uint64_t result = callRoutine(dlsym(link, routine.name.c_str()), routine.result, call.words);
+            const uint64_t result = callRoutine(librarySymbol(link, routine.name.c_str()), routine.result, call.words);
 
             std::vector<void*> expectedWords = call.words;
             if (routine.name == "xerbla") expectedWords[2] = reinterpret_cast<void*>(0x11);
@@ -150,7 +149,7 @@ TEST(ForwardedRoutines, ReachTheirCpuRoutineWithTheirWordsAndReport) {
         *std::find_if(routines.begin(), routines.end(), [](auto& r) { return r.name == "xerbla"; });
     for (const char* name : {"xerbla_", "XERBLA", "XERBLA_"}) {
         Call call(xerbla, 0, false);
-        callRoutine(dlsym(link, name), Result::none, call.words);
+        callRoutine(librarySymbol(link, name), Result::none, call.words);
         findings.expect(record.words[2] == reinterpret_cast<void*>(0x11) && record.words[1] == call.words[1],
                         std::string(name) + ": words received");
         const auto lines = output.next();
@@ -171,7 +170,7 @@ class UnreachedCpuRoutine : public testing::TestWithParam<Unreached> {};
 
 TEST_P(UnreachedCpuRoutine, TouchesNothingAndGivesZero) {
     const Unreached& scenario = GetParam();
-    const bool missingLibrary = std::string(scenario.cpuLibrary) != "libm.so.6";
+    const bool missingLibrary = std::string(scenario.cpuLibrary) != libraryWithoutLapack;
     setEnv("VORN_CPU_LIB", scenario.cpuLibrary);
     if (scenario.verbose) setEnv("VORN_VERBOSE", "1");
     void* link = openLinkLibrary();
@@ -180,7 +179,7 @@ TEST_P(UnreachedCpuRoutine, TouchesNothingAndGivesZero) {
 
     // The first call: no entry line, whatever verbose says.
     Call first(routines[0], 0, false);
-    callRoutine(dlsym(link, routines[0].name.c_str()), routines[0].result, first.words);
+    callRoutine(librarySymbol(link, routines[0].name.c_str()), routines[0].result, first.words);
     const auto firstLines = output.next();
     findings.expect(std::count(firstLines.begin(), firstLines.end(), entryLine(routines[0].name)) == 0,
                     "first call's lines:" + joined(firstLines));
@@ -189,7 +188,7 @@ TEST_P(UnreachedCpuRoutine, TouchesNothingAndGivesZero) {
         const RoutineFacts& routine = routines[i];
         for (int repeat = 0; repeat < 2; ++repeat) {
             Call call(routine, i, repeat == 1);
-            const uint64_t result = callRoutine(dlsym(link, routine.name.c_str()), routine.result, call.words);
+            const uint64_t result = callRoutine(librarySymbol(link, routine.name.c_str()), routine.result, call.words);
             findings.expect(result == 0, routine.name + ": result");
             findings.expect(call.cells == call.before, routine.name + ": memory written");
             std::vector<std::string> expected;
@@ -198,7 +197,7 @@ TEST_P(UnreachedCpuRoutine, TouchesNothingAndGivesZero) {
                 expected.push_back("vorn error: a previous attempt at initialization failed, cannot continue");
             } else {
                 if (scenario.verbose) expected.push_back(issuingLine);
-                expected.push_back("vorn error: Failed to read symbol '" + routine.name + "' from 'libm.so.6'");
+                expected.push_back("vorn error: Failed to read symbol '" + routine.name + "' from '" + libraryWithoutLapack + "'");
             }
             const auto lines = output.next();
             findings.expect(lines == expected, routine.name + ": lines" + joined(lines));
@@ -209,6 +208,6 @@ TEST_P(UnreachedCpuRoutine, TouchesNothingAndGivesZero) {
 }
 INSTANTIATE_TEST_SUITE_P(Scenarios, UnreachedCpuRoutine,
                          testing::Values(Unreached{"MissingLibrary", "libvorn-no-such-library.so", true},
-                                         Unreached{"MissingSymbols", "libm.so.6", true},
-                                         Unreached{"MissingSymbolsQuietly", "libm.so.6", false}),
+                                         Unreached{"MissingSymbols", libraryWithoutLapack, true},
+                                         Unreached{"MissingSymbolsQuietly", libraryWithoutLapack, false}),
                          [](const auto& info) { return std::string(info.param.name); });

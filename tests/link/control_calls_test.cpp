@@ -25,7 +25,6 @@ const char* const cpuAlwaysLine = "vorn info:  issuing to CPU (configured to alw
 const char* const gpuAlwaysLine = "vorn info:  issuing to GPU (configured to always choose GPU)";
 const char* const underLine = "vorn info:  issuing to CPU (under threshold)";
 const char* const overLine = "vorn info:  issuing to GPU (over threshold)";
-const char* const cpuLibraryLine = "vorn info:  CPU library is liblapackcpu.so";
 const char* const ignoringBothLine =
     "vorn error: both VORN_CPU_ALWAYS and VORN_GPU_ALWAYS are set; ignoring both";
 

@@ -1,8 +1,8 @@
 // Binding of the CPU library: its name, the limits of VORN_CPU_LIB, a missing
 // library or symbol, and the clash of both "always" settings.
+#include <algorithm>
+#include <filesystem>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include "link_test.h"
 
@@ -22,13 +22,23 @@ int unreachedCall() {
     return info;
 }
 
-// A path of exactly `length` characters that names the CPU adapter.
-std::string adapterPathOfLength(std::size_t length) {
+// A path of exactly `length` characters that names the default CPU library: a
+// symbolic link to it on Linux, a copy on Windows, whose loader also wants the
+// name to end in ".dll" (else it appends that) and takes backslashes.
+std::string cpuLibraryPathOfLength(std::size_t length) {
+    namespace fs = std::filesystem;
     std::string folder = tempPath("");
     folder += std::string(150 - folder.size(), 'd');
-    mkdir(folder.c_str(), 0700);
+    fs::create_directory(folder);
+#if defined(_WIN32)
+    std::string path = folder + "/" + std::string(length - folder.size() - 5, 'f') + ".dll";
+    std::replace(path.begin(), path.end(), '/', '\\');
+    std::error_code error;  // a copy at the 260-character path may fail; that one is never loaded
+    fs::copy_file(VORN_TEST_LAPACKCPU, path, error);
+#else
     std::string path = folder + "/" + std::string(length - folder.size() - 1, 'f');
-    symlink(VORN_TEST_LAPACKCPU, path.c_str());
+    fs::create_symlink(VORN_TEST_LAPACKCPU, path);
+#endif
     return path;
 }
 
@@ -41,11 +51,11 @@ TEST(CpuBinding, DefaultLibraryIsNamedOnTheLog) {
     int info;
     spotrf("L", &n, a.data(), &n, &info);
     EXPECT_THAT(linesStartingWith(readLines(log), "vorn info:  CPU"),
-                ElementsAre("vorn info:  CPU library is liblapackcpu.so"));
+                ElementsAre(cpuLibraryLine));
 }
 
 TEST(CpuBinding, PathOf259CharactersReachesTheLoaderWhole) {
-    const std::string path = adapterPathOfLength(259);
+    const std::string path = cpuLibraryPathOfLength(259);
     ASSERT_EQ(path.size(), 259u);
     setEnv("VORN_CPU_LIB", path);
     const std::string log = useLogFile();
@@ -61,7 +71,7 @@ TEST(CpuBinding, PathOf259CharactersReachesTheLoaderWhole) {
 }
 
 TEST(CpuBinding, PathOf260CharactersIsRefusedForGood) {
-    setEnv("VORN_CPU_LIB", adapterPathOfLength(260));  // exists, but is never loaded
+    setEnv("VORN_CPU_LIB", cpuLibraryPathOfLength(260));  // exists, but is never loaded
     StdoutCapture capture;
     EXPECT_EQ(unreachedCall(), 0);
     EXPECT_EQ(unreachedCall(), 0);
@@ -83,15 +93,21 @@ TEST_P(MissingLibrary, FailsOnceThenRefersToThePreviousAttempt) {
                                   "vorn error: a previous attempt at initialization failed, cannot continue\n"
                                   "vorn error: a previous attempt at initialization failed, cannot continue\n");
 }
+#if defined(_WIN32)
+// Windows has no variable with an empty value: setting one removes it.
+INSTANTIATE_TEST_SUITE_P(Names, MissingLibrary, testing::Values("libvorn-no-such-library.so"));
+#else
 INSTANTIATE_TEST_SUITE_P(Names, MissingLibrary, testing::Values("libvorn-no-such-library.so", ""));
+#endif
 
 TEST(CpuBinding, MissingSymbolFailsEveryCallOfThatRoutine) {
-    setEnv("VORN_CPU_LIB", "libm.so.6");  // loads, but has no LAPACK
+    setEnv("VORN_CPU_LIB", libraryWithoutLapack);  // loads, but has no LAPACK
     const std::string log = useLogFile();
     EXPECT_EQ(unreachedCall(), 0);
     EXPECT_EQ(unreachedCall(), 0);
     const auto lines = readLines(log);
-    EXPECT_EQ(linesStartingWith(lines, "vorn error: Failed to read symbol 'spotrf' from 'libm.so.6'").size(), 2u);
+    const std::string missing = std::string("vorn error: Failed to read symbol 'spotrf' from '") + libraryWithoutLapack + "'";
+    EXPECT_EQ(linesStartingWith(lines, missing).size(), 2u);
     EXPECT_TRUE(linesStartingWith(lines, "vorn info:  done").empty());
 }
 

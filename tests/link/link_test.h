@@ -1,9 +1,8 @@
 // What the link library's tests share: the routines as an application declares
-// them, OpenBLAS's own routine for reference results, and small scenario helpers.
+// them, a routine for reference results, and small scenario helpers.
 #pragma once
 
 #include <cstddef>
-#include <dlfcn.h>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -14,15 +13,29 @@
 
 // The link library's export, in the argument convention of its callers.
 extern "C" void spotrf(const char* uplo, const void* n, float* a, const void* lda, void* info);
-// OpenBLAS's own spotrf_, with gfortran's hidden length. The program links
-// OpenBLAS, but the name spotrf_ belongs to the link library, which comes first:
-// the reference is taken from OpenBLAS's handle.
-using FortranSpotrf = void (*)(const char*, const int*, float*, const int*, int*, std::size_t);
-inline FortranSpotrf openblasSpotrf() {
-    static const auto function = reinterpret_cast<FortranSpotrf>(
-        dlsym(dlopen("libopenblas.so.0", RTLD_NOW | RTLD_LOCAL), "spotrf_"));
-    return function;
+// The reference for spotrf's results. On Linux, OpenBLAS's own spotrf_, with
+// gfortran's hidden length: the program links OpenBLAS, but the name spotrf_
+// belongs to the link library, which comes first, so it is taken from OpenBLAS's
+// handle. The Windows tests run without OpenBLAS: there the reference is the
+// spotrf of the test CPU library (tests/windows/spotrf_cpu.cpp), in the word
+// convention, which shows that the link library hands the CPU's answer on intact.
+#if defined(_WIN32)
+inline constexpr const char* defaultCpuLibrary = "lapackcpu.dll";
+inline void referenceSpotrf(char uplo, int n, float* a, int lda, int* info) {
+    using Spotrf = void (*)(const void*, const void*, void*, const void*, void*);
+    static const auto function = reinterpret_cast<Spotrf>(librarySymbol(openLibrary(defaultCpuLibrary), "spotrf"));
+    function(&uplo, &n, a, &lda, info);
 }
+#else
+inline constexpr const char* defaultCpuLibrary = "liblapackcpu.so";
+inline void referenceSpotrf(char uplo, int n, float* a, int lda, int* info) {
+    using FortranSpotrf = void (*)(const char*, const int*, float*, const int*, int*, std::size_t);
+    static const auto function =
+        reinterpret_cast<FortranSpotrf>(librarySymbol(openLibrary("libopenblas.so.0"), "spotrf_"));
+    function(&uplo, &n, a, &lda, info, 1);
+}
+#endif
+inline const std::string cpuLibraryLine = std::string("vorn info:  CPU library is ") + defaultCpuLibrary;
 
 inline constexpr int spotrfCrossover = 1024;
 
@@ -38,9 +51,9 @@ inline std::vector<float> spdMatrix(int n, int lda, bool definite = true, int k 
     return a;
 }
 
-// OpenBLAS's factor of the same matrix, and its info.
+// The reference factor of the same matrix, and its info.
 inline std::vector<float> referenceFactor(char uplo, int n, int lda, std::vector<float> a, int* info) {
-    openblasSpotrf()(&uplo, &n, a.data(), &lda, info, 1);
+    referenceSpotrf(uplo, n, a.data(), lda, info);
     return a;
 }
 

@@ -1,5 +1,5 @@
 // spotrf through the routed frame: the crossover, each GPU status, the retry on
-// the CPU, the failure exits, and results equal to OpenBLAS's on both sides.
+// the CPU, the failure exits, and results equal to the reference's (OpenBLAS's on Linux) on both sides.
 #include <gtest/gtest.h>
 
 #include "link_test.h"
@@ -23,7 +23,7 @@ Call callSpotrf(char uplo, int n, int lda, bool definite = true, int k = 2) {
 }  // namespace
 
 // Below the crossover the CPU runs the routine, at and above it the GPU; both give
-// OpenBLAS's bits.
+// the reference's bits.
 TEST(Spotrf, CrossoverDecidesTheSide) {
     const std::string log = useLogFile();
     const std::string record = useRecord();
@@ -49,7 +49,7 @@ TEST(Spotrf, CrossoverDecidesTheSide) {
         expectedLog.push_back(spotrfEntryLine(c.uplo, c.n, call.a.data(), lda));
         expectedLog.push_back(c.issuing);
         if (!c.onGpu && !cpuNamed) {
-            expectedLog.push_back("vorn info:  CPU library is liblapackcpu.so");
+            expectedLog.push_back(cpuLibraryLine);
             cpuNamed = true;
         }
         expectedLog.push_back("vorn info:  done");
@@ -112,7 +112,7 @@ TEST(Spotrf, GpuFailureIsRetriedOnTheCpu) {
                                             "vorn info:  issuing to GPU (over threshold)",
                                             "vorn error: GPU runtime error", "vorn error: Retrying with CPU",
                                             "vorn info:  issuing to CPU (retrying on GPU error)",
-                                            "vorn info:  CPU library is liblapackcpu.so", "vorn info:  done"));
+                                            cpuLibraryLine, "vorn info:  done"));
 }
 
 TEST(Spotrf, RetriedCallReportsTheCpuInfo) {
@@ -122,7 +122,7 @@ TEST(Spotrf, RetriedCallReportsTheCpuInfo) {
     EXPECT_EQ(call.info, 9);
     const auto lines = readLines(log);
     EXPECT_THAT(std::vector<std::string>(lines.end() - 3, lines.end()),
-                ElementsAre("vorn info:  CPU library is liblapackcpu.so", "vorn info:  info returned as 9",
+                ElementsAre(cpuLibraryLine, "vorn info:  info returned as 9",
                             "vorn info:  done"));
 }
 

@@ -8,6 +8,18 @@
 #include <unistd.h>
 
 #if defined(_WIN32)
+#define WIN32_LEAN_AND_MEAN
+#include <process.h>
+#include <windows.h>
+#else
+#include <dlfcn.h>
+#include <spawn.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+extern char** environ;
+#endif
+
+#if defined(_WIN32)
 // Windows' C library (msvcrt) has neither mkdtemp nor setenv, and its getenv sees
 // only what _putenv sets, not SetEnvironmentVariable. The stand-ins below give
 // the tests what the POSIX calls give them on Linux.
@@ -93,6 +105,46 @@ std::vector<std::string> linesStartingWith(const std::vector<std::string>& lines
         if (line.rfind(prefix, 0) == 0) found.push_back(line);
     return found;
 }
+
+#if defined(_WIN32)
+void* openLibrary(const std::string& path) { return reinterpret_cast<void*>(LoadLibraryA(path.c_str())); }
+
+void* librarySymbol(void* library, const char* name) {
+    return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(library), name));
+}
+
+void* noAccessPage() {
+    static void* const page = VirtualAlloc(nullptr, 4096, MEM_RESERVE | MEM_COMMIT, PAGE_NOACCESS);
+    return page;
+}
+
+int runProgram(const std::string& path, const std::string& argument) {
+    std::fflush(stdout);
+    // msvcrt joins the arguments into one command line: quoted, each stays one.
+    const std::string quotedPath = "\"" + path + "\"", quotedArgument = "\"" + argument + "\"";
+    const intptr_t status = _spawnl(_P_WAIT, path.c_str(), quotedPath.c_str(), quotedArgument.c_str(), nullptr);
+    return status < 0 ? -1 : static_cast<int>(status);
+}
+#else
+void* openLibrary(const std::string& path) { return dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL); }
+
+void* librarySymbol(void* library, const char* name) { return dlsym(library, name); }
+
+void* noAccessPage() {
+    static void* const page = mmap(nullptr, 4096, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    return page;
+}
+
+int runProgram(const std::string& path, const std::string& argument) {
+    std::fflush(stdout);
+    char* const argv[] = {const_cast<char*>(path.c_str()), const_cast<char*>(argument.c_str()), nullptr};
+    pid_t child;
+    if (posix_spawn(&child, path.c_str(), nullptr, nullptr, argv, environ) != 0) return -1;
+    int status = 0;
+    if (waitpid(child, &status, 0) != child || !WIFEXITED(status)) return -1;
+    return WEXITSTATUS(status);
+}
+#endif
 
 void setEnv(const char* name, const std::string& value) { ::setenv(name, value.c_str(), 1); }
 

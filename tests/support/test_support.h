@@ -21,6 +21,26 @@ std::vector<std::string> linesStartingWith(const std::vector<std::string>& lines
 // call into the library, which reads the environment once).
 void setEnv(const char* name, const std::string& value);
 
+// A shared library opened by path or name, and a symbol of it (dlopen and dlsym,
+// LoadLibraryA and GetProcAddress); both give null where nothing is found.
+void* openLibrary(const std::string& path);
+void* librarySymbol(void* library, const char* name);
+
+// A system library that loads but has no LAPACK routine.
+#if defined(_WIN32)
+inline constexpr const char* libraryWithoutLapack = "kernel32.dll";
+#else
+inline constexpr const char* libraryWithoutLapack = "libm.so.6";
+#endif
+
+// An address in a page that faults when anything reads or writes it.
+void* noAccessPage();
+
+// Runs a program with one argument and waits for it; gives its exit status, or -1
+// if it did not exit normally. It inherits this process's environment and
+// standard output (a StdoutCapture's file included).
+int runProgram(const std::string& path, const std::string& argument);
+
 // Sends file descriptor 1 to a file until stop(), which gives what was written.
 class StdoutCapture {
 public:
