@@ -5,6 +5,7 @@
 #include <cstdarg>
 #include <cstdlib>
 #include <cstring>
+#include <mutex>
 #include <thread>
 
 #include "core/platform.h"
@@ -16,6 +17,11 @@ static thread_local int errorInfo;
 void emulatorRecord(const char* format, ...) {
     const char* path = std::getenv("VORN_EMU_RECORD");
     if (path == nullptr) return;
+    // Threads record one line at a time: Windows' C library appends by seeking to
+    // the end before each write, so two threads appending at once could write one
+    // line over the other.
+    static std::mutex recordLock;
+    const std::lock_guard hold(recordLock);
     FILE* record = std::fopen(path, "a");
     if (record == nullptr) return;
     va_list arguments;
