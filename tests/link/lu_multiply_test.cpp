@@ -3,7 +3,14 @@
 // word in order, which words never reach the GPU library, the integers to pass,
 // and the measure. From the row the tests build the calls, the entry line and the
 // GPU call the emulator records, and hold results against OpenBLAS.
+//
+// With LINK_TEST_TOLERANCE=1 (tools/test-cuda.sh, a real GPU library first on
+// LD_LIBRARY_PATH) the GPU side's arrays need only agree with OpenBLAS's within
+// LAPACK's error bounds instead of bit for bit, and the tests that rely on the
+// emulator's record and forced statuses skip themselves.
+#include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <complex>
 #include <cstdint>
 #include <cstring>
@@ -29,7 +36,8 @@ namespace {
 // complex in c and z), R the precision's real scalar, p an array of the
 // precision's type, I an integer array, f a float array, F a single complex
 // array, d a double array, D a double complex array, w lwork, o info.
-// An upper-case X before a kind marks a word that never reaches the GPU library.
+// An upper-case X before a kind marks a word that never reaches the GPU library;
+// a W marks workspace whose contents a GPU library need not reproduce.
 enum class Measure { word, product, product3Double, productDouble, sum };
 
 struct RootRow {
@@ -61,8 +69,8 @@ const std::vector<RootRow> rows = {
     {"getri", "sgetri dgetri cgetri zgetri", "ipiIXpXwo", "", {6, 8, 64}, Measure::word, {0}, 1024},
     {"gesv", "sgesv dgesv cgesv zgesv", "iipiIpio", "", {6, 2, 8, 8}, Measure::product, {0, 1}, 1048576},
     {"gbtrf", "sgbtrf dgbtrf cgbtrf zgbtrf", "iiiipiIo", "", {6, 6, 1, 2, 8}, Measure::sum, {2, 3}, 1024},
-    {"dsgesv", "dsgesv", "iipiIpipipXfXIo", "", {6, 2, 8, 8, 8}, Measure::product, {0, 1}, 1048576},
-    {"zcgesv", "zcgesv", "iipiIpipipXFXdXIo", "", {6, 2, 8, 8, 8}, Measure::product, {0, 1}, 1048576},
+    {"dsgesv", "dsgesv", "iipiIpipiWpXfXIo", "", {6, 2, 8, 8, 8}, Measure::product, {0, 1}, 1048576},
+    {"zcgesv", "zcgesv", "iipiIpipiWpXFXdXIo", "", {6, 2, 8, 8, 8}, Measure::product, {0, 1}, 1048576},
 };
 
 std::vector<std::string> basesOf(const RootRow& row) {
@@ -83,6 +91,8 @@ struct Call {
     std::vector<std::vector<unsigned char>> storage;
     std::vector<void*> words;
     std::vector<bool> hostOnly;
+    std::vector<char> kinds;      // the kind of each word
+    std::vector<bool> workspace;
     std::string entryLine, recordLine;
 };
 
@@ -93,13 +103,16 @@ Call buildCall(const RootRow& row, const std::string& base, const std::vector<in
     std::size_t nextCharacter = 0, nextInteger = 0;
     std::string entry = "vorn info:  " + base + " (", record = "vorn" + std::string(1, char(base[0] - 32)) + base.substr(1) + "(";
     const char* separator = "";
-    bool hostOnly = false;
+    bool hostOnly = false, workspace = false;
+    char kindNow = 0;
     unsigned seed = 7;
     auto random = [&] { seed = seed * 1103515245u + 12345u; return double((seed >> 8) % 2001) / 1000.0 - 1.0; };
     auto store = [&](std::size_t bytes) -> unsigned char* {
         call.storage.emplace_back(bytes, 0);
         call.words.push_back(call.storage.back().data());
         call.hostOnly.push_back(hostOnly);
+        call.kinds.push_back(kindNow);
+        call.workspace.push_back(workspace);
         return call.storage.back().data();
     };
     auto putReal = [&](unsigned char* at, double value, std::size_t size) {
@@ -119,6 +132,8 @@ Call buildCall(const RootRow& row, const std::string& base, const std::vector<in
     };
     for (const char* kind = row.kinds; *kind != '\0'; ++kind) {
         if (*kind == 'X') { hostOnly = true; continue; }
+        if (*kind == 'W') { workspace = true; continue; }
+        kindNow = *kind;
         switch (*kind) {
             case 'c': {
                 const char value = row.characters[nextCharacter++];
@@ -166,7 +181,7 @@ Call buildCall(const RootRow& row, const std::string& base, const std::vector<in
                 show(pointerText(at), pointerText(at));
             }
         }
-        hostOnly = false;
+        hostOnly = workspace = false;
     }
     call.entryLine = entry + ")";
     call.recordLine = record + ")";
@@ -192,6 +207,45 @@ void* referenceRoutine(const std::string& base) {
     return platformFindSymbol(openblas, (base + "_").c_str());
 }
 
+bool tolerant() {
+    const char* value = std::getenv("LINK_TEST_TOLERANCE");
+    return value != nullptr && std::string(value) == "1";
+}
+
+// The real parts that make up an array word of this kind, as doubles; none for
+// scalars, integers and characters, which must match exactly.
+std::vector<double> arrayValues(char kind, const std::string& base, const std::vector<unsigned char>& bytes) {
+    std::size_t size = isDouble(base) ? 8 : 4;
+    if (kind == 'f' || kind == 'F') size = 4;
+    else if (kind == 'd' || kind == 'D') size = 8;
+    else if (kind != 'p') return {};
+    std::vector<double> values(bytes.size() / size);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        if (size == 8) std::memcpy(&values[i], &bytes[8 * i], 8);
+        else { float f; std::memcpy(&f, &bytes[4 * i], 4); values[i] = f; }
+    }
+    return values;
+}
+
+// Equal within LAPACK's bound for these small problems: the largest difference
+// within a multiple of eps of the array's largest element.
+void expectWithinBound(const Call& call, const Call& reference, std::size_t w, const std::string& base) {
+    const auto got = arrayValues(call.kinds[w], base, call.storage[w]);
+    const auto want = arrayValues(call.kinds[w], base, reference.storage[w]);
+    if (got.empty() && want.empty()) {
+        EXPECT_EQ(call.storage[w], reference.storage[w]) << "word " << w + 1;
+        return;
+    }
+    const bool dbl = call.kinds[w] == 'd' || call.kinds[w] == 'D' || (call.kinds[w] == 'p' && isDouble(base));
+    const double eps = dbl ? 1.1e-16 : 6e-8;
+    double largest = 1, difference = 0;
+    for (std::size_t i = 0; i < want.size(); ++i) {
+        largest = std::max(largest, std::abs(want[i]));
+        difference = std::max(difference, std::abs(got[i] - want[i]));
+    }
+    EXPECT_LE(difference, 1000 * eps * largest) << "word " << w + 1;
+}
+
 double measureOf(const RootRow& row, const std::vector<int>& integers) {
     auto at = [&](int i) { return integers[row.measureWords[i]]; };
     switch (row.measure) {
@@ -211,6 +265,7 @@ double measureOf(const RootRow& row, const std::vector<int>& integers) {
 // after statuses 7 and 8, which only routines with info take as answers.
 TEST(LuMultiplyFamilies, EverySideGivesOpenBlasResults) {
     const std::string record = useRecord();
+    const std::string log = useLogFile();
     std::size_t gpuCalls = 0;
     for (const RootRow& row : rows) {
         const bool classA = std::strchr(row.kinds, 'o') == nullptr;
@@ -220,6 +275,7 @@ TEST(LuMultiplyFamilies, EverySideGivesOpenBlasResults) {
             callWith(referenceRoutine(base), reference);
             std::vector<std::string> failures = {"4"};
             if (classA) failures.insert(failures.end(), {"7", "8"});
+            if (tolerant()) failures.clear();  // only the emulator fails on request
             gpuCalls += 1 + failures.size();
             // Side 0: the CPU; side 1: the GPU; then the GPU failing with each status.
             for (std::size_t side = 0; side < 2 + failures.size(); ++side) {
@@ -234,10 +290,19 @@ TEST(LuMultiplyFamilies, EverySideGivesOpenBlasResults) {
                 // CPU routine's business only.
                 for (std::size_t w = 0; w < call.storage.size(); ++w) {
                     if (side == 1 && call.hostOnly[w]) continue;
+                    if (side == 1 && tolerant()) {
+                        if (!call.workspace[w]) expectWithinBound(call, reference, w, base);
+                        continue;
+                    }
                     EXPECT_EQ(call.storage[w], reference.storage[w]) << "side " << side << ", word " << w + 1;
                 }
             }
         }
+    }
+    if (tolerant()) {
+        // The GPU side really was the GPU: the library started.
+        for (const std::string& line : readLines(log)) EXPECT_EQ(line.find("vornInitialize failed"), std::string::npos) << line;
+        return;
     }
     EXPECT_EQ(readLines(record).size(), 1 + gpuCalls);  // vornInitialize, then one line per GPU call
 }
@@ -247,6 +312,7 @@ TEST(LuMultiplyFamilies, EverySideGivesOpenBlasResults) {
 // equal and above to the GPU. No computation happens: the GPU answers are forced
 // and the CPU library is missing, so the words may describe any size.
 TEST(LuMultiplyFamilies, EntryLineGpuArgumentsAndCrossover) {
+    if (tolerant()) GTEST_SKIP() << "needs the emulator's record";
     const std::string log = useLogFile();
     const std::string record = useRecord();
     setEnv("VORN_CPU_LIB", "libvorn-no-such-library.so");
@@ -289,6 +355,7 @@ TEST(LuMultiplyFamilies, EntryLineGpuArgumentsAndCrossover) {
 // band width. Products of 32-bit dimensions wrap; gemm's and hemm's double
 // products do not.
 TEST(LuMultiplyFamilies, MeasuresTakeTheirOperandsAndWrapWhere32Bit) {
+    if (tolerant()) GTEST_SKIP() << "needs the emulator's forced statuses";
     const std::string log = useLogFile();
     setEnv("VORN_CPU_LIB", "libvorn-no-such-library.so");
     setEnv("VORN_EMU_STATUS", "sgemm=8,ssymm=8,chemm=8,sgesv=8:0,dgesv=8:0,dgetrs=8:0,cgbtrf=8:0,dsyrk=8,ztrsm=8");

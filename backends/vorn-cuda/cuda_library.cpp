@@ -1,0 +1,366 @@
+// Start-up, shutdown, statuses, the per-thread contexts and the host transfers of
+// the CUDA GPU library.
+#include "cuda_library.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <mutex>
+
+Settings settings{0, defaultTransfer, defaultStagingBytes, SIZE_MAX};
+
+namespace {
+
+std::atomic<int> ready{VORN_STATUS_NOT_INITIALIZED};
+char startFailure[256];  // the text of vornInitialize's last failure
+
+// The registry guards the list of contexts, their inUse flags and the generation:
+// taking and giving back a context, and shutdown. The GPU work itself runs
+// without it, each thread on its own stream and handles.
+std::mutex registryLock;
+ThreadContext* contexts;
+std::atomic<unsigned> generation{1};  // a new one after each shutdown
+
+// The calling thread's claim on a context; it gives the context back to the free
+// list when the thread exits, unless a shutdown has destroyed it since.
+struct Lease {
+    ThreadContext* context = nullptr;
+    unsigned generation = 0;
+    ~Lease() {
+        if (context == nullptr) return;
+        std::lock_guard<std::mutex> hold(registryLock);
+        if (generation == ::generation.load()) context->inUse = false;
+    }
+};
+thread_local Lease lease;
+
+// The answer of the calling thread's last call: info, and the text of a failure.
+thread_local int errorInfo;
+thread_local int failureStatus = -1;
+thread_local char failureText[320];
+
+void destroy(ThreadContext* c) {
+    if (c->solver != nullptr) cusolverDnDestroy(c->solver);
+    if (c->blas != nullptr) cublasDestroy(c->blas);
+    for (cudaEvent_t event : c->slotFree)
+        if (event != nullptr) cudaEventDestroy(event);
+    if (c->stream != nullptr) cudaStreamDestroy(c->stream);
+    if (c->device != nullptr) cudaFree(c->device);
+    if (c->staging != nullptr) cudaFreeHost(c->staging);
+    delete c;
+}
+
+// A context with its own non-blocking stream (so that the application's work on
+// the legacy default stream neither waits for it nor delays it), both handles on
+// that stream and the pinned staging slots.
+ThreadContext* create(int& status) {
+    auto* c = new ThreadContext{};
+    const char* what = nullptr;
+    cudaError_t cuda = cudaSuccess;
+    cublasStatus_t blas = CUBLAS_STATUS_SUCCESS;
+    cusolverStatus_t solver = CUSOLVER_STATUS_SUCCESS;
+    if ((cuda = cudaStreamCreateWithFlags(&c->stream, cudaStreamNonBlocking))) what = "cudaStreamCreateWithFlags";
+    else if ((cuda = cudaEventCreateWithFlags(&c->slotFree[0], cudaEventDisableTiming))) what = "cudaEventCreate";
+    else if ((cuda = cudaEventCreateWithFlags(&c->slotFree[1], cudaEventDisableTiming))) what = "cudaEventCreate";
+    else if ((cuda = cudaMallocHost(&c->staging, 2 * settings.stagingBytes + 64))) what = "cudaMallocHost";
+    else if ((blas = cublasCreate(&c->blas))) what = "cublasCreate";
+    else if ((blas = cublasSetStream(c->blas, c->stream))) what = "cublasSetStream";
+    else if ((solver = cusolverDnCreate(&c->solver))) what = "cusolverDnCreate";
+    else if ((solver = cusolverDnSetStream(c->solver, c->stream))) what = "cusolverDnSetStream";
+    if (what == nullptr) return c;
+    status = cuda ? cudaFailure(cuda, "start of a thread", what)
+           : blas ? blasFailure(blas, "start of a thread", what)
+                  : solverFailure(solver, "start of a thread", what);
+    destroy(c);
+    return nullptr;
+}
+
+std::size_t sizeSetting(const char* name, std::size_t fallback) {
+    const char* text = std::getenv(name);
+    if (text == nullptr || *text == '\0') return fallback;
+    char* end;
+    const unsigned long long value = std::strtoull(text, &end, 10);
+    return *end == '\0' && value > 0 ? static_cast<std::size_t>(value) : fallback;
+}
+
+int startFailed(int status, const char* format, const char* detail) {
+    std::snprintf(startFailure, sizeof startFailure, format, detail);
+    ready.store(status);
+    return status;
+}
+
+// Bytes [from, from + count) of the dense column-major image of an operand,
+// copied between the caller's strided array and a contiguous buffer.
+void gather(char* out, const Operand& o, std::size_t from, std::size_t count) {
+    const std::size_t column = std::size_t(o.rows) * o.elementSize, stride = std::size_t(o.ld) * o.elementSize;
+    const char* host = static_cast<const char*>(o.host);
+    while (count > 0) {
+        const std::size_t j = from / column, within = from % column, part = std::min(count, column - within);
+        std::memcpy(out, host + j * stride + within, part);
+        out += part, from += part, count -= part;
+    }
+}
+void scatter(const Operand& o, const char* in, std::size_t from, std::size_t count) {
+    const std::size_t column = std::size_t(o.rows) * o.elementSize, stride = std::size_t(o.ld) * o.elementSize;
+    char* host = static_cast<char*>(const_cast<void*>(o.host));
+    while (count > 0) {
+        const std::size_t j = from / column, within = from % column, part = std::min(count, column - within);
+        std::memcpy(host + j * stride + within, in, part);
+        in += part, from += part, count -= part;
+    }
+}
+
+// The bytes an operand spans in the caller's memory.
+std::size_t extent(const Operand& o) {
+    return (std::size_t(o.ld) * (o.cols - 1) + o.rows) * o.elementSize;
+}
+
+}  // namespace
+
+int readiness() { return ready.load(std::memory_order_acquire); }
+
+int fail(int status, const char* routine, const char* what, const char* detail) {
+    static const char* const kinds[] = {"", "no usable GPU", "not available", "out of GPU memory",
+                                        "CUDA error", "not initialized", "missing library"};
+    const char* kind = status > 0 && status < 7 ? kinds[status] : "failure";
+    std::snprintf(failureText, sizeof failureText, "%s in %s: %s: %s", kind, routine, what, detail);
+    failureStatus = status;
+    return status;
+}
+
+int cudaFailure(cudaError_t error, const char* routine, const char* what) {
+    cudaGetLastError();  // clears a non-sticky error so that later calls start clean
+    const int status = error == cudaErrorMemoryAllocation ? VORN_STATUS_OUT_OF_MEMORY : VORN_STATUS_RUNTIME_ERROR;
+    return fail(status, routine, what, cudaGetErrorString(error));
+}
+
+int blasFailure(cublasStatus_t error, const char* routine, const char* what) {
+    const int status = error == CUBLAS_STATUS_ALLOC_FAILED ? VORN_STATUS_OUT_OF_MEMORY : VORN_STATUS_RUNTIME_ERROR;
+    return fail(status, routine, what, cublasGetStatusString(error));
+}
+
+int solverFailure(cusolverStatus_t error, const char* routine, const char* what) {
+    char detail[48];
+    std::snprintf(detail, sizeof detail, "cusolverStatus_t %d", static_cast<int>(error));
+    const int status = error == CUSOLVER_STATUS_ALLOC_FAILED ? VORN_STATUS_OUT_OF_MEMORY : VORN_STATUS_RUNTIME_ERROR;
+    return fail(status, routine, what, detail);
+}
+
+int answer(int info) {
+    errorInfo = info;
+    return info > 0 ? VORN_STATUS_INFO_NUMERICAL : info < 0 ? VORN_STATUS_INFO_ARGUMENT : VORN_STATUS_SUCCESS;
+}
+
+ThreadContext* threadContext(int& status) {
+    const unsigned current = generation.load(std::memory_order_acquire);
+    if (lease.context != nullptr && lease.generation == current) return lease.context;
+    std::lock_guard<std::mutex> hold(registryLock);
+    ThreadContext* c = contexts;
+    while (c != nullptr && c->inUse) c = c->next;
+    if (c == nullptr) {
+        // Made under the lock: only a thread's first call pays for it, and shutdown
+        // must not run beside it.
+        if ((c = create(status)) == nullptr) return nullptr;
+        c->next = contexts;
+        contexts = c;
+    }
+    c->inUse = true;
+    lease.context = c;
+    lease.generation = current;
+    return c;
+}
+
+int reserveDevice(ThreadContext& c, std::size_t bytes) {
+    if (bytes <= c.deviceBytes) return 0;
+    if (bytes > settings.maxDeviceBytes) {
+        char detail[96];
+        std::snprintf(detail, sizeof detail, "%zu bytes needed, VORN_CUDA_MAX_DEVICE_BYTES is %zu", bytes,
+                      settings.maxDeviceBytes);
+        return fail(VORN_STATUS_OUT_OF_MEMORY, "workspace", "reserve", detail);
+    }
+    // Grown by half again, so that a thread working up through sizes reallocates
+    // a few times only. The old workspace is idle: every call ends synchronised.
+    std::size_t grown = std::min(std::max(bytes, c.deviceBytes / 2 * 3), settings.maxDeviceBytes);
+    if (c.device != nullptr) cudaFree(c.device);
+    c.device = nullptr;
+    c.deviceBytes = 0;
+    if (cudaMalloc(&c.device, grown) != cudaSuccess) {
+        cudaGetLastError();
+        grown = bytes;
+        if (cudaError_t error = cudaMalloc(&c.device, grown)) return cudaFailure(error, "workspace", "cudaMalloc");
+    }
+    c.deviceBytes = grown;
+    return 0;
+}
+
+// Staged: the dense image passes through the two pinned slots in turn, so that
+// the copy of one chunk into a slot overlaps the transfer of the other.
+int upload(ThreadContext& c, const Operand& o, const char* routine) {
+    char* device = c.device + o.offset;
+    if (settings.transfer != Transfer::staged) {
+        const std::size_t row = std::size_t(o.rows) * o.elementSize;
+        cudaError_t error = cudaMemcpy2DAsync(device, row, o.host, std::size_t(o.ld) * o.elementSize, row, o.cols,
+                                              cudaMemcpyHostToDevice, c.stream);
+        return error ? cudaFailure(error, routine, "cudaMemcpy2DAsync to the GPU") : 0;
+    }
+    const std::size_t total = o.bytes();
+    for (std::size_t done = 0; done < total;) {
+        const int slot = c.nextSlot;
+        c.nextSlot ^= 1;
+        char* buffer = c.staging + slot * settings.stagingBytes;
+        const std::size_t count = std::min(settings.stagingBytes, total - done);
+        if (cudaError_t error = cudaEventSynchronize(c.slotFree[slot])) return cudaFailure(error, routine, "cudaEventSynchronize");
+        gather(buffer, o, done, count);
+        if (cudaError_t error = cudaMemcpyAsync(device + done, buffer, count, cudaMemcpyHostToDevice, c.stream))
+            return cudaFailure(error, routine, "cudaMemcpyAsync to the GPU");
+        if (cudaError_t error = cudaEventRecord(c.slotFree[slot], c.stream)) return cudaFailure(error, routine, "cudaEventRecord");
+        done += count;
+    }
+    return 0;
+}
+
+// Staged: chunk k is in flight while chunk k - 1 is copied out of its slot.
+int download(ThreadContext& c, const Operand& o, const char* routine) {
+    const char* device = c.device + o.offset;
+    if (settings.transfer != Transfer::staged) {
+        const std::size_t row = std::size_t(o.rows) * o.elementSize;
+        cudaError_t error = cudaMemcpy2DAsync(const_cast<void*>(o.host), std::size_t(o.ld) * o.elementSize, device,
+                                              row, row, o.cols, cudaMemcpyDeviceToHost, c.stream);
+        if (!error) error = cudaStreamSynchronize(c.stream);
+        return error ? cudaFailure(error, routine, "cudaMemcpy2DAsync from the GPU") : 0;
+    }
+    const std::size_t total = o.bytes();
+    struct Chunk { int slot; std::size_t from, count; } previous{-1, 0, 0};
+    auto drain = [&](const Chunk& chunk) -> int {
+        if (cudaError_t error = cudaEventSynchronize(c.slotFree[chunk.slot])) return cudaFailure(error, routine, "cudaEventSynchronize");
+        scatter(o, c.staging + chunk.slot * settings.stagingBytes, chunk.from, chunk.count);
+        return 0;
+    };
+    for (std::size_t done = 0; done < total;) {
+        const Chunk chunk{c.nextSlot, done, std::min(settings.stagingBytes, total - done)};
+        c.nextSlot ^= 1;
+        if (cudaError_t error = cudaMemcpyAsync(c.staging + chunk.slot * settings.stagingBytes, device + done,
+                                                chunk.count, cudaMemcpyDeviceToHost, c.stream))
+            return cudaFailure(error, routine, "cudaMemcpyAsync from the GPU");
+        if (cudaError_t error = cudaEventRecord(c.slotFree[chunk.slot], c.stream)) return cudaFailure(error, routine, "cudaEventRecord");
+        if (previous.slot >= 0)
+            if (int status = drain(previous)) return status;
+        previous = chunk;
+        done += chunk.count;
+    }
+    return previous.slot >= 0 ? drain(previous) : 0;
+}
+
+int pin(ThreadContext&, const Operand& o, bool& pinned, const char* routine) {
+    pinned = false;
+    if (settings.transfer != Transfer::registered || o.bytes() == 0) return 0;
+    cudaError_t error = cudaHostRegister(const_cast<void*>(o.host), extent(o), cudaHostRegisterDefault);
+    if (error == cudaErrorHostMemoryAlreadyRegistered) {  // the caller's own pinned memory, or an operand twice
+        cudaGetLastError();
+        return 0;
+    }
+    if (error) return cudaFailure(error, routine, "cudaHostRegister");
+    pinned = true;
+    return 0;
+}
+
+void unpin(const Operand& o, bool pinned) {
+    if (pinned) cudaHostUnregister(const_cast<void*>(o.host));
+}
+
+int setDiagonal(ThreadContext& c, void* matrix, int n, const void* one, int elementSize, const char* routine) {
+    const int slot = c.nextSlot;
+    c.nextSlot ^= 1;
+    char* buffer = c.staging + slot * settings.stagingBytes;
+    const std::size_t perSlot = settings.stagingBytes / elementSize;
+    for (int done = 0; done < n;) {
+        const int count = static_cast<int>(std::min<std::size_t>(perSlot, n - done));
+        if (cudaError_t error = cudaEventSynchronize(c.slotFree[slot])) return cudaFailure(error, routine, "cudaEventSynchronize");
+        for (int i = 0; i < count; ++i) std::memcpy(buffer + std::size_t(i) * elementSize, one, elementSize);
+        // Element i of the run goes to (done + i, done + i): a pitch of n + 1 elements.
+        const std::size_t pitch = std::size_t(n + 1) * elementSize;
+        if (cudaError_t error = cudaMemcpy2DAsync(static_cast<char*>(matrix) + done * pitch, pitch, buffer, elementSize,
+                                                  elementSize, count, cudaMemcpyHostToDevice, c.stream))
+            return cudaFailure(error, routine, "cudaMemcpy2DAsync of the diagonal");
+        if (cudaError_t error = cudaEventRecord(c.slotFree[slot], c.stream)) return cudaFailure(error, routine, "cudaEventRecord");
+        done += count;
+    }
+    return 0;
+}
+
+extern "C" {
+
+// Finds the GPU and makes its context current, so that a thread's first routine
+// call pays only for its own handles. Without a GPU, or without a driver, the
+// runtime's own words say what is missing.
+int vornInitialize(void) {
+    if (readiness() == VORN_STATUS_SUCCESS) return VORN_STATUS_SUCCESS;
+    int count = 0;
+    if (cudaError_t error = cudaGetDeviceCount(&count)) {
+        cudaGetLastError();
+        return startFailed(VORN_STATUS_NO_DEVICE, "no usable GPU: the CUDA runtime reports: %s",
+                           cudaGetErrorString(error));
+    }
+    if (count == 0) return startFailed(VORN_STATUS_NO_DEVICE, "no usable GPU: %s", "the CUDA runtime finds no device");
+    Settings chosen{0, defaultTransfer, sizeSetting("VORN_CUDA_STAGING_BYTES", defaultStagingBytes),
+                    sizeSetting("VORN_CUDA_MAX_DEVICE_BYTES", SIZE_MAX)};
+    if (const char* device = std::getenv("VORN_CUDA_DEVICE")) chosen.device = std::atoi(device);
+    if (chosen.device < 0 || chosen.device >= count) {
+        char detail[64];
+        std::snprintf(detail, sizeof detail, "VORN_CUDA_DEVICE=%d, but %d GPUs found", chosen.device, count);
+        return startFailed(VORN_STATUS_NO_DEVICE, "no usable GPU: %s", detail);
+    }
+    if (const char* mode = std::getenv("VORN_CUDA_TRANSFER")) {
+        if (std::strcmp(mode, "staged") == 0) chosen.transfer = Transfer::staged;
+        else if (std::strcmp(mode, "registered") == 0) chosen.transfer = Transfer::registered;
+        else if (std::strcmp(mode, "pageable") == 0) chosen.transfer = Transfer::pageable;
+    }
+    settings = chosen;
+    cudaError_t error = cudaSetDevice(settings.device);
+    if (!error) error = cudaFree(nullptr);  // creates the primary context now
+    if (error) {
+        cudaGetLastError();
+        return startFailed(VORN_STATUS_NO_DEVICE, "no usable GPU: the CUDA runtime reports: %s",
+                           cudaGetErrorString(error));
+    }
+    startFailure[0] = '\0';
+    ready.store(VORN_STATUS_SUCCESS, std::memory_order_release);
+    return VORN_STATUS_SUCCESS;
+}
+
+// Destroys every context, those of threads that have exited included; a thread
+// that calls again afterwards finds its lease out of date. Nothing may run on
+// another thread meanwhile: the link library calls this at process exit.
+void vornShutdown(void) {
+    std::lock_guard<std::mutex> hold(registryLock);
+    while (contexts != nullptr) {
+        ThreadContext* next = contexts->next;
+        destroy(contexts);
+        contexts = next;
+    }
+    generation.fetch_add(1);
+    ready.store(VORN_STATUS_NOT_INITIALIZED);
+}
+
+const char* vornGetStatusString(int status) {
+    if (status == failureStatus && failureText[0] != '\0') return failureText;
+    if (status == ready.load() && startFailure[0] != '\0') return startFailure;
+    switch (status) {
+        case VORN_STATUS_SUCCESS: return "success";
+        case VORN_STATUS_NO_DEVICE: return "no usable GPU";
+        case VORN_STATUS_NOT_AVAILABLE: return "routine not available on the CUDA GPU library";
+        case VORN_STATUS_OUT_OF_MEMORY: return "out of GPU memory";
+        case VORN_STATUS_RUNTIME_ERROR: return "CUDA runtime or library error";
+        case VORN_STATUS_NOT_INITIALIZED: return "CUDA GPU library not initialized";
+        case VORN_STATUS_DEPENDENCY_MISSING: return "a CUDA library is missing";
+        case VORN_STATUS_INFO_NUMERICAL: return "routine reported a numerical condition in info";
+        case VORN_STATUS_INFO_ARGUMENT: return "routine reported an illegal argument in info";
+        default: return "unknown status";
+    }
+}
+
+int vornGetErrorInfo(void) { return errorInfo; }
+
+}  // extern "C"

@@ -1,0 +1,102 @@
+// The CUDA GPU library: each routine copies the caller's host arrays to the GPU,
+// computes there with cuBLAS or cuSOLVER, and copies the results back.
+//
+// Settings of its own, read once by vornInitialize:
+//   VORN_CUDA_DEVICE=<n>            the GPU to use (default 0)
+//   VORN_CUDA_TRANSFER=<mode>       how host arrays reach the GPU: "staged" through
+//                                   pinned buffers of the library's own, "registered"
+//                                   (the caller's pages pinned for the call), or
+//                                   "pageable" (the driver stages them)
+//   VORN_CUDA_STAGING_BYTES=<n>     size of each of a thread's two pinned staging slots
+//   VORN_CUDA_MAX_DEVICE_BYTES=<n>  most GPU memory one thread's workspace may hold; a
+//                                   call that needs more returns "out of GPU memory"
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cublas_v2.h>
+#include <cuda_runtime.h>
+#include <cusolverDn.h>
+
+#include "vorn_lapack.h"
+
+enum class Transfer { staged, registered, pageable };
+
+// The transfer mode when VORN_CUDA_TRANSFER is unset. Staged until the GPU
+// benchmark (tools/run-gpu-bench.sh, VORN_CUDA_TRANSFER per run) says otherwise.
+inline constexpr Transfer defaultTransfer = Transfer::staged;
+inline constexpr std::size_t defaultStagingBytes = std::size_t{16} << 20;
+
+struct Settings {
+    int device;
+    Transfer transfer;
+    std::size_t stagingBytes;
+    std::size_t maxDeviceBytes;
+};
+// Written by vornInitialize before it reports success; read-only afterwards.
+extern Settings settings;
+
+// What one calling thread owns: its stream and the handles bound to it, its
+// growing GPU workspace and its two pinned staging slots. A thread takes a free
+// context on its first call and gives it back when it exits, so thread pools reuse
+// them; vornShutdown destroys them all.
+struct ThreadContext {
+    cudaStream_t stream;
+    cublasHandle_t blas;
+    cusolverDnHandle_t solver;
+    char* device;               // GPU workspace, grown on demand, never shrunk
+    std::size_t deviceBytes;
+    char* staging;              // pinned: two slots of settings.stagingBytes, then the info words
+    cudaEvent_t slotFree[2];    // recorded after the last copy that reads or writes a slot
+    int nextSlot;
+    ThreadContext* next;        // the registry's list
+    bool inUse;
+};
+
+// 0 when routines may run; else the status they give (not initialised, or the
+// start-up failure).
+int readiness();
+
+// The calling thread's context, made on first use; null with a failure status set.
+ThreadContext* threadContext(int& status);
+
+// Makes the thread's GPU workspace at least `bytes` long.
+int reserveDevice(ThreadContext& context, std::size_t bytes);
+
+// Failure statuses with a text for vornGetStatusString on the calling thread.
+int fail(int status, const char* routine, const char* what, const char* detail);
+int cudaFailure(cudaError_t error, const char* routine, const char* what);
+int blasFailure(cublasStatus_t error, const char* routine, const char* what);
+int solverFailure(cusolverStatus_t error, const char* routine, const char* what);
+
+// Keeps info for vornGetErrorInfo and turns it into a status: 0, 7 or 8.
+int answer(int info);
+
+// A rectangular part of a host array and its dense copy on the GPU (leading
+// dimension rows). Vectors with a stride are one column of their whole extent.
+enum class Use { in, out, inOut };
+struct Operand {
+    const void* host;
+    int rows, cols, ld;         // ld in elements, at least rows
+    int elementSize;
+    Use use;
+    bool keptOnInfo;            // copied back also when info > 0 (LAPACK leaves it so)
+    std::size_t offset;         // in the workspace, set by the frame
+    std::size_t bytes() const { return std::size_t(rows) * std::size_t(cols) * std::size_t(elementSize); }
+    int deviceLd() const { return rows > 1 ? rows : 1; }
+};
+
+// Host to GPU and back in the chosen transfer mode. Downloads write the caller's
+// arrays and so run only once the routine is known to have succeeded.
+int upload(ThreadContext& context, const Operand& operand, const char* routine);
+int download(ThreadContext& context, const Operand& operand, const char* routine);
+// Pins the caller's pages of an operand for the call (registered mode); release
+// undoes what pin did.
+int pin(ThreadContext& context, const Operand& operand, bool& pinned, const char* routine);
+void unpin(const Operand& operand, bool pinned);
+
+// Writes n copies of the element `one` on the diagonal of a dense n x n matrix on
+// the GPU (the identity that getri solves against).
+int setDiagonal(ThreadContext& context, void* matrix, int n, const void* one, int elementSize,
+                const char* routine);

@@ -1,0 +1,370 @@
+// GPU benchmark: dgemm, zgemm, dgetrf, dgesv and dtrsm at n = 256 ... 16384,
+// each timed
+//   link     through the link library over the CUDA GPU library (VORN_GPU_ALWAYS=1,
+//            so every call goes to the GPU), host arrays in and out;
+//   openblas OpenBLAS on all cores, the same call;
+//   device   cuBLAS / cuSOLVER on data already on the GPU (the limit);
+//   nvblas   dgemm through NVBLAS (a run of its own, with libnvblas.so preloaded);
+// and the fixed cost of one small GPU call (n = 64). tools/run-gpu-bench.sh runs
+// it and turns the CSV into a table with the break-even size of each routine.
+//
+//   gpu_bench run LINK_LIBRARY OUT.csv [BUDGET_SECONDS]
+//   gpu_bench nvblas OUT.csv [BUDGET_SECONDS]
+//   gpu_bench report IN.csv... > RESULTS.md
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <complex>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <cublas_v2.h>
+#include <cuda_runtime.h>
+#include <cusolverDn.h>
+#include <dlfcn.h>
+#include <fstream>
+#include <functional>
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+using Z = std::complex<double>;
+using Clock = std::chrono::steady_clock;
+
+const int sizes[] = {256, 512, 1024, 2048, 4096, 8192, 16384};
+const char* const routines[] = {"dgemm", "zgemm", "dgetrf", "dgesv", "dtrsm"};
+constexpr double cpuCapSeconds = 60;   // a CPU call estimated longer than this is skipped
+constexpr double pointSeconds = 1.5;    // repetitions per point stop after about this long
+
+using Dgemm = void (*)(const char*, const char*, const int*, const int*, const int*, const double*, const double*,
+                       const int*, const double*, const int*, const double*, double*, const int*);
+using Zgemm = void (*)(const char*, const char*, const int*, const int*, const int*, const Z*, const Z*, const int*,
+                       const Z*, const int*, const Z*, Z*, const int*);
+using Dgetrf = void (*)(const int*, const int*, double*, const int*, int*, int*);
+using Dgesv = void (*)(const int*, const int*, double*, const int*, int*, double*, const int*, int*);
+using Dtrsm = void (*)(const char*, const char*, const char*, const char*, const int*, const int*, const double*,
+                       const double*, const int*, double*, const int*);
+
+// One implementation of the five routines, Fortran style (link library, OpenBLAS, NVBLAS).
+struct Host {
+    Dgemm dgemm; Zgemm zgemm; Dgetrf dgetrf; Dgesv dgesv; Dtrsm dtrsm;
+};
+Host hostFrom(void* handle) {
+    auto get = [&](const char* name) {
+        void* f = dlsym(handle, name);
+        if (f == nullptr) { std::fprintf(stderr, "gpu_bench: no %s: %s\n", name, dlerror()); std::exit(1); }
+        return f;
+    };
+    return {reinterpret_cast<Dgemm>(get("dgemm_")), reinterpret_cast<Zgemm>(get("zgemm_")),
+            reinterpret_cast<Dgetrf>(get("dgetrf_")), reinterpret_cast<Dgesv>(get("dgesv_")),
+            reinterpret_cast<Dtrsm>(get("dtrsm_"))};
+}
+
+double flops(const std::string& routine, double n) {
+    if (routine == "dgemm") return 2 * n * n * n;
+    if (routine == "zgemm") return 8 * n * n * n;
+    if (routine == "dgetrf") return 2.0 / 3 * n * n * n;
+    if (routine == "dgesv") return 2.0 / 3 * n * n * n + 2 * n * n;
+    return n * n * n;  // dtrsm, m = n
+}
+
+// The problem of one size: inputs made once, restored before each call.
+struct Problem {
+    int n;
+    std::vector<double> a, b, c, a0, c0;
+    std::vector<Z> za, zb, zc;
+    std::vector<int> ipiv;
+    Problem(const std::string& routine, int size) : n(size), ipiv(size) {
+        const std::size_t nn = std::size_t(n) * n;
+        auto fill = [&](std::vector<double>& v, std::size_t count, unsigned seed, bool diagonal) {
+            v.resize(count);
+            for (std::size_t i = 0; i < count; ++i) {
+                seed = seed * 1664525u + 1013904223u;
+                v[i] = double(seed >> 9) / double(1u << 23) - 0.5;
+            }
+            if (diagonal)
+                for (int i = 0; i < n; ++i) v[i + std::size_t(i) * n] += n;
+        };
+        if (routine == "zgemm") {
+            for (auto* v : {&za, &zb, &zc}) v->assign(nn, Z(0.5, -0.25));
+            for (std::size_t i = 0; i < nn; i += 7) za[i] = Z(double(i % 13) / 13, 0.1);
+            return;
+        }
+        const bool square = routine != "dgesv";
+        fill(a, nn, 1, routine != "dgemm");
+        fill(b, square ? nn : std::size_t(n), 2, false);  // dgesv: one right-hand side
+        if (routine == "dgemm") fill(c, nn, 3, false);
+        a0 = a;
+        c0 = routine == "dgemm" ? c : b;
+    }
+    void restore(const std::string& routine) {
+        if (routine == "dgetrf" || routine == "dgesv") a = a0;
+        if (routine == "dgesv" || routine == "dtrsm") b = c0;
+    }
+};
+
+void callHost(const Host& h, const std::string& routine, Problem& p) {
+    const int n = p.n, one = 1;
+    const double alpha = 1, beta = 0.5;
+    int info = 0;
+    if (routine == "dgemm") h.dgemm("N", "N", &n, &n, &n, &alpha, p.a.data(), &n, p.b.data(), &n, &beta, p.c.data(), &n);
+    else if (routine == "zgemm") {
+        const Z za(1, 0), zb(0.5, 0);
+        h.zgemm("N", "N", &n, &n, &n, &za, p.za.data(), &n, p.zb.data(), &n, &zb, p.zc.data(), &n);
+    } else if (routine == "dgetrf") h.dgetrf(&n, &n, p.a.data(), &n, p.ipiv.data(), &info);
+    else if (routine == "dgesv") h.dgesv(&n, &one, p.a.data(), &n, p.ipiv.data(), p.b.data(), &n, &info);
+    else h.dtrsm("L", "L", "N", "N", &n, &n, &alpha, p.a.data(), &n, p.b.data(), &n);
+}
+
+// The same computation on data already on the GPU.
+struct Device {
+    cublasHandle_t blas = nullptr;
+    cusolverDnHandle_t solver = nullptr;
+    cudaStream_t stream = nullptr;
+    void *a = nullptr, *b = nullptr, *c = nullptr, *a0 = nullptr, *work = nullptr;
+    int* ipiv = nullptr;
+    int* info = nullptr;
+    int n = 0;
+    bool ok = false;
+    bool prepare(const std::string& routine, Problem& p) {
+        release();
+        n = p.n;
+        const std::size_t element = routine == "zgemm" ? sizeof(Z) : sizeof(double);
+        const std::size_t bytes = std::size_t(n) * n * element;
+        if (blas == nullptr) {
+            cudaStreamCreate(&stream);
+            cublasCreate(&blas);
+            cublasSetStream(blas, stream);
+            cusolverDnCreate(&solver);
+            cusolverDnSetStream(solver, stream);
+        }
+        int lwork = 0;
+        cusolverDnDgetrf_bufferSize(solver, n, n, nullptr, n, &lwork);
+        ok = cudaMalloc(&a, bytes) == cudaSuccess && cudaMalloc(&b, bytes) == cudaSuccess &&
+             cudaMalloc(&c, bytes) == cudaSuccess && cudaMalloc(&a0, bytes) == cudaSuccess &&
+             cudaMalloc(&work, std::max<std::size_t>(lwork, 1) * sizeof(double)) == cudaSuccess &&
+             cudaMalloc(&ipiv, n * sizeof(int)) == cudaSuccess && cudaMalloc(&info, sizeof(int)) == cudaSuccess;
+        if (!ok) return false;
+        if (routine == "zgemm") {
+            cudaMemcpy(a, p.za.data(), bytes, cudaMemcpyHostToDevice);
+            cudaMemcpy(b, p.zb.data(), bytes, cudaMemcpyHostToDevice);
+            cudaMemcpy(c, p.zc.data(), bytes, cudaMemcpyHostToDevice);
+        } else {
+            cudaMemcpy(a0, p.a0.data(), bytes, cudaMemcpyHostToDevice);
+            cudaMemcpy(a, p.a0.data(), bytes, cudaMemcpyHostToDevice);
+            cudaMemcpy(b, p.c0.data(), p.c0.size() * sizeof(double), cudaMemcpyHostToDevice);
+            if (routine == "dgemm") cudaMemcpy(c, p.c.data(), bytes, cudaMemcpyHostToDevice);
+        }
+        return true;
+    }
+    void restore(const std::string& routine) {
+        if (routine == "dgetrf" || routine == "dgesv")
+            cudaMemcpyAsync(a, a0, std::size_t(n) * n * sizeof(double), cudaMemcpyDeviceToDevice, stream);
+        cudaStreamSynchronize(stream);
+    }
+    void call(const std::string& routine) {
+        const double alpha = 1, beta = 0.5;
+        auto* A = static_cast<double*>(a); auto* B = static_cast<double*>(b); auto* C = static_cast<double*>(c);
+        if (routine == "dgemm") cublasDgemm(blas, CUBLAS_OP_N, CUBLAS_OP_N, n, n, n, &alpha, A, n, B, n, &beta, C, n);
+        else if (routine == "zgemm") {
+            const cuDoubleComplex za{1, 0}, zb{0.5, 0};
+            cublasZgemm(blas, CUBLAS_OP_N, CUBLAS_OP_N, n, n, n, &za, static_cast<cuDoubleComplex*>(a), n,
+                        static_cast<cuDoubleComplex*>(b), n, &zb, static_cast<cuDoubleComplex*>(c), n);
+        } else if (routine == "dgetrf") cusolverDnDgetrf(solver, n, n, A, n, static_cast<double*>(work), ipiv, info);
+        else if (routine == "dgesv") {
+            cusolverDnDgetrf(solver, n, n, A, n, static_cast<double*>(work), ipiv, info);
+            cusolverDnDgetrs(solver, CUBLAS_OP_N, n, 1, A, n, ipiv, B, n, info);
+        } else cublasDtrsm(blas, CUBLAS_SIDE_LEFT, CUBLAS_FILL_MODE_LOWER, CUBLAS_OP_N, CUBLAS_DIAG_NON_UNIT, n, n,
+                           &alpha, A, n, B, n);
+        cudaStreamSynchronize(stream);
+    }
+    void release() {
+        for (void* p : {a, b, c, a0, work, static_cast<void*>(ipiv), static_cast<void*>(info)})
+            if (p != nullptr) cudaFree(p);
+        a = b = c = a0 = work = nullptr;
+        ipiv = info = nullptr;
+    }
+};
+
+double seconds(Clock::time_point start) { return std::chrono::duration<double>(Clock::now() - start).count(); }
+
+// One point: a warm-up call (unless a single call is long), then repetitions up
+// to about pointSeconds; the median.
+struct Point { double median; int reps; };
+Point measure(const std::function<void()>& restore, const std::function<void()>& call, double expected) {
+    if (expected < 10) { restore(); call(); }
+    std::vector<double> times;
+    double spent = 0;
+    while (times.empty() || (spent < pointSeconds && times.size() < 10)) {
+        restore();
+        const auto start = Clock::now();
+        call();
+        times.push_back(seconds(start));
+        spent += times.back();
+    }
+    std::sort(times.begin(), times.end());
+    return {times[times.size() / 2], int(times.size())};
+}
+
+void record(std::FILE* out, const std::string& routine, int n, const char* side, const Point& p, const char* note) {
+    const double gflops = p.median > 0 ? flops(routine, n) / p.median / 1e9 : 0;
+    std::fprintf(out, "%s,%d,%s,%.6g,%.1f,%d,%s\n", routine.c_str(), n, side, p.median, gflops, p.reps, note);
+    std::fflush(out);
+    std::fprintf(stderr, "%-7s %6d %-9s %10.4f s %9.1f GFLOP/s %s\n", routine.c_str(), n, side, p.median, gflops, note);
+}
+
+int run(const char* linkPath, const char* outPath, double budget) {
+    const auto begin = Clock::now();
+    void* linkHandle = dlopen(linkPath, RTLD_NOW | RTLD_LOCAL);
+    void* openblasHandle = dlopen("libopenblas.so.0", RTLD_NOW | RTLD_LOCAL);
+    if (linkHandle == nullptr || openblasHandle == nullptr) {
+        std::fprintf(stderr, "gpu_bench: %s\n", dlerror());
+        return 1;
+    }
+    const Host link = hostFrom(linkHandle), openblas = hostFrom(openblasHandle);
+    std::FILE* out = std::fopen(outPath, "w");
+    std::fprintf(out, "routine,n,side,seconds,gflops,reps,note\n");
+
+    // Fixed cost of a small GPU call: dgemm n = 64 through the link library, into
+    // the CUDA library directly, and cuBLAS on device data.
+    {
+        Problem p("dgemm", 64);
+        using VornDgemm = int (*)(char, char, int, int, int, double, const double*, int, const double*, int, double,
+                                  double*, int);
+        auto vorn = reinterpret_cast<VornDgemm>(dlsym(linkHandle, "vornDgemm"));
+        if (vorn == nullptr) vorn = reinterpret_cast<VornDgemm>(dlsym(RTLD_DEFAULT, "vornDgemm"));
+        auto many = [](const std::function<void()>& f) {
+            for (int i = 0; i < 20; ++i) f();
+            std::vector<double> t;
+            for (int i = 0; i < 400; ++i) { auto s = Clock::now(); f(); t.push_back(seconds(s)); }
+            std::sort(t.begin(), t.end());
+            return Point{t[t.size() / 2], 400};
+        };
+        record(out, "dgemm", 64, "link", many([&] { callHost(link, "dgemm", p); }), "fixed cost");
+        if (vorn != nullptr)
+            record(out, "dgemm", 64, "vorn", many([&] { vorn('N', 'N', 64, 64, 64, 1, p.a.data(), 64, p.b.data(), 64, 0.5, p.c.data(), 64); }), "fixed cost");
+        Device d;
+        if (d.prepare("dgemm", p)) record(out, "dgemm", 64, "device", many([&] { d.call("dgemm"); }), "fixed cost");
+        d.release();
+        record(out, "dgemm", 64, "openblas", many([&] { callHost(openblas, "dgemm", p); }), "fixed cost");
+    }
+
+    Device device;
+    for (const std::string routine : routines) {
+        double cpuPrevious = 0;
+        for (int n : sizes) {
+            if (seconds(begin) > budget) {
+                record(out, routine, n, "all", {0, 0}, "skipped: time budget");
+                continue;
+            }
+            Problem p(routine, n);
+            const double expectedGpu = flops(routine, n) / 5e12 + 3.0 * n * n * 16 / 5e9;
+            record(out, routine, n, "link", measure([&] { p.restore(routine); }, [&] { callHost(link, routine, p); }, expectedGpu), "");
+            if (device.prepare(routine, p))
+                record(out, routine, n, "device", measure([&] { device.restore(routine); }, [&] { device.call(routine); }, 0), "");
+            else
+                record(out, routine, n, "device", {0, 0}, "skipped: GPU memory");
+            device.release();
+            const double expectedCpu = cpuPrevious * 8;
+            if (expectedCpu > cpuCapSeconds) {
+                char note[64];
+                std::snprintf(note, sizeof note, "skipped: estimated %.0f s", expectedCpu);
+                record(out, routine, n, "openblas", {0, 0}, note);
+                continue;
+            }
+            const Point cpu = measure([&] { p.restore(routine); }, [&] { callHost(openblas, routine, p); }, expectedCpu);
+            record(out, routine, n, "openblas", cpu, "");
+            cpuPrevious = cpu.median;
+        }
+    }
+    std::fclose(out);
+    return 0;
+}
+
+// NVBLAS is preloaded: dgemm_ in the global scope is its own.
+int runNvblas(const char* outPath, double budget) {
+    const auto begin = Clock::now();
+    auto dgemm = reinterpret_cast<Dgemm>(dlsym(RTLD_DEFAULT, "dgemm_"));
+    if (dgemm == nullptr) {
+        std::fprintf(stderr, "gpu_bench: no dgemm_ in the process: is libnvblas.so preloaded?\n");
+        return 1;
+    }
+    Host nvblas{dgemm, nullptr, nullptr, nullptr, nullptr};
+    std::FILE* out = std::fopen(outPath, "w");
+    std::fprintf(out, "routine,n,side,seconds,gflops,reps,note\n");
+    for (int n : sizes) {
+        if (seconds(begin) > budget) break;
+        Problem p("dgemm", n);
+        record(out, "dgemm", n, "nvblas", measure([] {}, [&] { callHost(nvblas, "dgemm", p); }, 0), "");
+    }
+    std::fclose(out);
+    return 0;
+}
+
+// The CSV files as one table per routine (seconds, and the link library's time
+// over the device-resident time), then the break-even sizes: the smallest n from
+// which the GPU through the link library beats OpenBLAS at every larger size measured.
+int report(int count, char** paths) {
+    std::map<std::string, std::map<int, std::map<std::string, double>>> t;
+    std::map<std::string, std::string> notes;
+    for (int i = 0; i < count; ++i) {
+        std::ifstream in(paths[i]);
+        std::string line;
+        std::getline(in, line);
+        while (std::getline(in, line)) {
+            std::stringstream fields(line);
+            std::string routine, n, side, secs, gflops, reps, note;
+            std::getline(fields, routine, ','); std::getline(fields, n, ','); std::getline(fields, side, ',');
+            std::getline(fields, secs, ','); std::getline(fields, gflops, ','); std::getline(fields, reps, ',');
+            std::getline(fields, note);
+            if (note == "fixed cost") { t["fixed"][std::stoi(n)][side] = std::stod(secs); continue; }
+            if (std::stod(secs) > 0) t[routine][std::stoi(n)][side] = std::stod(secs);
+            if (!note.empty()) notes[routine + " " + n + " " + side] = note;
+        }
+    }
+    std::printf("### Fixed cost of a small GPU call (dgemm, n = 64), median of 400\n\n| Path | time |\n|---|---|\n");
+    for (const auto& [side, secs] : t["fixed"][64]) std::printf("| %s | %.1f us |\n", side.c_str(), secs * 1e6);
+    std::printf("\n### Time per call (seconds, median)\n\n");
+    std::string breakEven;
+    for (const char* routine : routines) {
+        std::printf("| %s n | link (CUDA) | device cuBLAS/cuSOLVER | link / device | OpenBLAS | nvblas |\n|---|---|---|---|---|---|\n", routine);
+        int from = 0;
+        for (int n : sizes) {
+            auto& row = t[routine][n];
+            auto cell = [&](const char* side) {
+                char text[64];
+                if (row.count(side)) std::snprintf(text, sizeof text, "%.4g", row[side]);
+                else if (notes.count(std::string(routine) + " " + std::to_string(n) + " " + side))
+                    std::snprintf(text, sizeof text, "%s", notes[std::string(routine) + " " + std::to_string(n) + " " + side].c_str());
+                else std::snprintf(text, sizeof text, "-");
+                return std::string(text);
+            };
+            char ratio[32] = "-";
+            if (row.count("link") && row.count("device")) std::snprintf(ratio, sizeof ratio, "%.2f", row["link"] / row["device"]);
+            std::printf("| %d | %s | %s | %s | %s | %s |\n", n, cell("link").c_str(), cell("device").c_str(), ratio,
+                        cell("openblas").c_str(), cell("nvblas").c_str());
+            if (row.count("link") && row.count("openblas")) {
+                if (row["link"] < row["openblas"]) { if (from == 0) from = n; }
+                else from = 0;
+            }
+        }
+        std::printf("\n");
+        breakEven += "| " + std::string(routine) + " | " + (from ? "n = " + std::to_string(from) : "not reached") + " |\n";
+    }
+    std::printf("### Break-even (GPU through the link library faster than OpenBLAS from this size on)\n\n| Routine | break-even |\n|---|---|\n%s", breakEven.c_str());
+    return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const std::string mode = argc > 1 ? argv[1] : "";
+    if (mode == "run" && argc >= 4) return run(argv[2], argv[3], argc > 4 ? std::atof(argv[4]) : 420);
+    if (mode == "nvblas" && argc >= 3) return runNvblas(argv[2], argc > 3 ? std::atof(argv[3]) : 60);
+    if (mode == "report" && argc >= 3) return report(argc - 2, argv + 2);
+    std::fprintf(stderr, "usage: gpu_bench run LINK_LIBRARY OUT.csv [BUDGET_S] | nvblas OUT.csv [BUDGET_S] | report CSV...\n");
+    return 2;
+}

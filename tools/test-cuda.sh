@@ -1,0 +1,47 @@
+#!/usr/bin/env bash
+# Runs on the GPU machine, from the bundle that tools/build-gpu-bundle.sh made
+# (build-gpu/bundle.tar.gz, unpacked here when needed): the CUDA GPU library's own
+# tests, then the LU and multiply family tests through the link library with the
+# CUDA library in the emulator's place, results within LAPACK's error bounds of
+# OpenBLAS's. Each test runs in a process of its own, as ctest would run it (the
+# build's ctest files name the folders of the machine that built it). About a
+# minute. Exit status 0 when everything passed.
+set -uo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+bundle="$root/build-gpu/bundle"
+if [ ! -d "$bundle" ]; then
+  [ -f "$root/build-gpu/bundle.tar.gz" ] || { echo "no build-gpu/bundle.tar.gz: run tools/build-gpu-bundle.sh first" >&2; exit 1; }
+  tar -C "$root/build-gpu" -xzf "$root/build-gpu/bundle.tar.gz"
+fi
+command -v nvidia-smi >/dev/null && nvidia-smi -L
+cuda_lib=$(dirname "$(readlink -f "$(command -v nvcc || echo /usr/local/cuda/bin/nvcc)")")/../lib64
+export LD_LIBRARY_PATH="$bundle/backends/vorn-cuda:$bundle/lib:$cuda_lib${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH}"
+
+passed=0 failed=0 skipped=0 failures=()
+# run_each PROGRAM [ENV=VALUE...]: every test of a googletest program in its own process.
+run_each() {
+  local program=$1; shift
+  local suite="" name output
+  while IFS= read -r line; do
+    if [[ $line != " "* ]]; then suite=${line%% *}; continue; fi
+    name=${line#  }; name=${name%% *}
+    output=$(env "$@" "$program" --gtest_filter="$suite$name" 2>&1)
+    if [ $? -ne 0 ]; then
+      failed=$((failed + 1)); failures+=("$(basename "$program") $suite$name")
+      echo "FAILED  $suite$name"; echo "$output" | grep -v '^\[' | head -40
+    elif grep -q '\[  SKIPPED \]' <<<"$output"; then
+      skipped=$((skipped + 1)); echo "skipped $suite$name: $(grep -m1 -A1 'Skipped' <<<"$output" | tail -1)"
+    else
+      passed=$((passed + 1)); echo "passed  $suite$name"
+    fi
+  done < <("$program" --gtest_list_tests | grep -v '^Running')
+}
+
+run_each "$bundle/tests/cuda_library_tests"
+run_each "$bundle/tests/link_lu_multiply_tests" LINK_TEST_TOLERANCE=1
+
+echo "passed $passed, failed $failed, skipped $skipped"
+echo "(on a GPU machine three skips are expected: the no-GPU start-up test and the two"
+echo " family tests that need the emulator; RoutinesRefuseUntilStarted skips after its first half)"
+for f in "${failures[@]}"; do echo "FAILED: $f"; done
+[ "$failed" -eq 0 ]
