@@ -94,7 +94,8 @@ TEST_P(MissingLibrary, FailsOnceThenRefersToThePreviousAttempt) {
                                   "vorn error: a previous attempt at initialization failed, cannot continue\n");
 }
 #if defined(_WIN32)
-// Windows has no variable with an empty value: setting one removes it.
+// A test cannot give a variable an empty value on Windows: msvcrt's _putenv("X=")
+// removes X.
 INSTANTIATE_TEST_SUITE_P(Names, MissingLibrary, testing::Values("libvorn-no-such-library.so"));
 #else
 INSTANTIATE_TEST_SUITE_P(Names, MissingLibrary, testing::Values("libvorn-no-such-library.so", ""));

@@ -80,7 +80,8 @@ TEST_P(UnopenableLog, LogsToStdoutWithVerboseOn) {
     EXPECT_NE(out.find("vorn info:  done\n"), std::string::npos);
 }
 #if defined(_WIN32)
-// Windows has no variable with an empty value: setting one removes it.
+// A test cannot give a variable an empty value on Windows: msvcrt's _putenv("X=")
+// removes X.
 INSTANTIATE_TEST_SUITE_P(Paths, UnopenableLog, testing::Values("/nonexistent-folder/vorn.log"));
 #else
 INSTANTIATE_TEST_SUITE_P(Paths, UnopenableLog, testing::Values("/nonexistent-folder/vorn.log", ""));
