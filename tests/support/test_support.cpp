@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <system_error>
 #include <unistd.h>
 
 #if defined(_WIN32)
@@ -23,7 +24,6 @@ extern char** environ;
 // Windows' C library (msvcrt) has neither mkdtemp nor setenv, and its getenv sees
 // only what _putenv sets, not SetEnvironmentVariable. The stand-ins below give
 // the tests what the POSIX calls give them on Linux.
-#include <system_error>
 
 // A new folder in the system's temporary folder, as mkdtemp makes one in /tmp.
 static std::string makeTempFolder() {
@@ -49,27 +49,19 @@ static std::string makeTempFolder() {
 }
 #endif
 
-// The folder goes when the process that made it exits; children forked by a
-// test share it and leave it alone.
+// The folder goes when the process exits. On Windows no file that is still open
+// can be removed, and the library keeps its log open to the end: that much stays
+// behind in the temporary folder (under Wine, in the prefix that
+// tools/test-windows.sh removes).
 static std::string tempFolder;
-static pid_t tempFolderOwner;
 static void removeTempFolder() {
-    if (getpid() != tempFolderOwner) return;
-#if defined(_WIN32)
-    // Windows removes no file that is still open, and the library keeps its log
-    // open to the end: that much stays behind in the temporary folder (under
-    // Wine, in the prefix that tools/test-windows.sh removes).
     std::error_code error;
     std::filesystem::remove_all(tempFolder, error);
-#else
-    std::filesystem::remove_all(tempFolder);
-#endif
 }
 
 std::string tempPath(const std::string& name) {
     if (tempFolder.empty()) {
         tempFolder = makeTempFolder();
-        tempFolderOwner = getpid();
         std::atexit(removeTempFolder);
     }
     return tempFolder + "/" + name;
