@@ -1,0 +1,243 @@
+// The stand-in's cuBLAS: each routine checks that its matrices lie in device
+// memory, reads its scalars at the call (host pointer mode), and puts the
+// reference computation, OpenBLAS's Fortran routine, on the handle's stream.
+#include <cstring>
+#include <cublas_v2.h>
+
+#include "device_model.h"
+#include "stand_in.h"
+
+struct cublasContext {
+    cudaStream_t stream = nullptr;
+};
+
+using C = cuComplex;
+using Z = cuDoubleComplex;
+using size_t = std::size_t;
+
+// OpenBLAS's Fortran BLAS, with gfortran's hidden character lengths.
+#define STAND_IN_FORTRAN_BLAS(p, T) \
+    void p##gemm_(const char*, const char*, const int*, const int*, const int*, const T*, const T*, const int*, \
+                  const T*, const int*, const T*, T*, const int*, size_t, size_t); \
+    void p##symm_(const char*, const char*, const int*, const int*, const T*, const T*, const int*, const T*, \
+                  const int*, const T*, T*, const int*, size_t, size_t); \
+    void p##syrk_(const char*, const char*, const int*, const int*, const T*, const T*, const int*, const T*, T*, \
+                  const int*, size_t, size_t); \
+    void p##syr2k_(const char*, const char*, const int*, const int*, const T*, const T*, const int*, const T*, \
+                   const int*, const T*, T*, const int*, size_t, size_t); \
+    void p##trmm_(const char*, const char*, const char*, const char*, const int*, const int*, const T*, const T*, \
+                  const int*, T*, const int*, size_t, size_t, size_t, size_t); \
+    void p##trsm_(const char*, const char*, const char*, const char*, const int*, const int*, const T*, const T*, \
+                  const int*, T*, const int*, size_t, size_t, size_t, size_t);
+#define STAND_IN_FORTRAN_HERMITIAN(p, T, R) \
+    void p##hemm_(const char*, const char*, const int*, const int*, const T*, const T*, const int*, const T*, \
+                  const int*, const T*, T*, const int*, size_t, size_t); \
+    void p##herk_(const char*, const char*, const int*, const int*, const R*, const T*, const int*, const R*, T*, \
+                  const int*, size_t, size_t); \
+    void p##her2k_(const char*, const char*, const int*, const int*, const T*, const T*, const int*, const T*, \
+                   const int*, const R*, T*, const int*, size_t, size_t); \
+    void p##hemv_(const char*, const int*, const T*, const T*, const int*, const T*, const int*, const T*, T*, \
+                  const int*, size_t);
+#define STAND_IN_FORTRAN_SYMV(p, T) \
+    void p##symv_(const char*, const int*, const T*, const T*, const int*, const T*, const int*, const T*, T*, \
+                  const int*, size_t);
+extern "C" {
+STAND_IN_FORTRAN_BLAS(s, float)
+STAND_IN_FORTRAN_BLAS(d, double)
+STAND_IN_FORTRAN_BLAS(c, C)
+STAND_IN_FORTRAN_BLAS(z, Z)
+STAND_IN_FORTRAN_HERMITIAN(c, C, float)
+STAND_IN_FORTRAN_HERMITIAN(z, Z, double)
+STAND_IN_FORTRAN_SYMV(s, float)
+STAND_IN_FORTRAN_SYMV(d, double)
+}
+
+namespace {
+
+char op(cublasOperation_t o) { return o == CUBLAS_OP_N ? 'N' : o == CUBLAS_OP_T ? 'T' : 'C'; }
+char fill(cublasFillMode_t f) { return f == CUBLAS_FILL_MODE_UPPER ? 'U' : 'L'; }
+char side(cublasSideMode_t s) { return s == CUBLAS_SIDE_LEFT ? 'L' : 'R'; }
+char diag(cublasDiagType_t d) { return d == CUBLAS_DIAG_UNIT ? 'U' : 'N'; }
+
+template <class Work> cublasStatus_t launch(cublasHandle_t handle, bool valid, Work work) {
+    if (handle == nullptr) return CUBLAS_STATUS_NOT_INITIALIZED;
+    if (!valid) return CUBLAS_STATUS_INVALID_VALUE;
+    if (standIn::failsNow("compute")) return CUBLAS_STATUS_EXECUTION_FAILED;
+    standIn::enqueue(handle->stream, work);
+    return CUBLAS_STATUS_SUCCESS;
+}
+
+bool deviceVector(const char* function, const char* name, const void* p, int n, int inc, size_t element) {
+    return standIn::deviceMatrix(function, name, p, n > 0 ? 1 + long(n - 1) * (inc < 0 ? -inc : inc) : 0, 1,
+                                 n > 0 ? 1 + long(n - 1) * (inc < 0 ? -inc : inc) : 1, element);
+}
+
+}  // namespace
+
+using standIn::deviceMatrix;
+
+#define STAND_IN_GEMM(p, P, T) \
+    cublasStatus_t cublas##P##gemm_v2(cublasHandle_t h, cublasOperation_t ta, cublasOperation_t tb, int m, int n, \
+                                      int k, const T* alpha, const T* A, int lda, const T* B, int ldb, \
+                                      const T* beta, T* C, int ldc) { \
+        const char* f = "cublas" #P "gemm"; \
+        const bool nA = ta == CUBLAS_OP_N, nB = tb == CUBLAS_OP_N; \
+        const bool valid = deviceMatrix(f, "A", A, nA ? m : k, nA ? k : m, lda, sizeof(T)) && \
+                           deviceMatrix(f, "B", B, nB ? k : n, nB ? n : k, ldb, sizeof(T)) && \
+                           deviceMatrix(f, "C", C, m, n, ldc, sizeof(T)); \
+        return launch(h, valid, [=, al = *alpha, be = *beta] { \
+            const char a = op(ta), b = op(tb); \
+            STAND_IN_OPENBLAS(p##gemm_)(&a, &b, &m, &n, &k, &al, A, &lda, B, &ldb, &be, C, &ldc, 1, 1); \
+        }); \
+    }
+
+// symm and hemm
+#define STAND_IN_SYMM(p, P, T, root) \
+    cublasStatus_t cublas##P##root##_v2(cublasHandle_t h, cublasSideMode_t s, cublasFillMode_t u, int m, int n, \
+                                        const T* alpha, const T* A, int lda, const T* B, int ldb, const T* beta, \
+                                        T* C, int ldc) { \
+        const char* f = "cublas" #P #root; \
+        const int order = s == CUBLAS_SIDE_LEFT ? m : n; \
+        const bool valid = deviceMatrix(f, "A", A, order, order, lda, sizeof(T)) && \
+                           deviceMatrix(f, "B", B, m, n, ldb, sizeof(T)) && \
+                           deviceMatrix(f, "C", C, m, n, ldc, sizeof(T)); \
+        return launch(h, valid, [=, al = *alpha, be = *beta] { \
+            const char a = side(s), b = fill(u); \
+            STAND_IN_OPENBLAS(p##root##_)(&a, &b, &m, &n, &al, A, &lda, B, &ldb, &be, C, &ldc, 1, 1); \
+        }); \
+    }
+
+// syrk and herk (real alpha and beta)
+#define STAND_IN_SYRK(p, P, T, S, root) \
+    cublasStatus_t cublas##P##root##_v2(cublasHandle_t h, cublasFillMode_t u, cublasOperation_t t, int n, int k, \
+                                        const S* alpha, const T* A, int lda, const S* beta, T* C, int ldc) { \
+        const char* f = "cublas" #P #root; \
+        const bool nA = t == CUBLAS_OP_N; \
+        const bool valid = deviceMatrix(f, "A", A, nA ? n : k, nA ? k : n, lda, sizeof(T)) && \
+                           deviceMatrix(f, "C", C, n, n, ldc, sizeof(T)); \
+        return launch(h, valid, [=, al = *alpha, be = *beta] { \
+            const char a = fill(u), b = op(t); \
+            STAND_IN_OPENBLAS(p##root##_)(&a, &b, &n, &k, &al, A, &lda, &be, C, &ldc, 1, 1); \
+        }); \
+    }
+
+// syr2k and her2k (real beta)
+#define STAND_IN_SYR2K(p, P, T, S, root) \
+    cublasStatus_t cublas##P##root##_v2(cublasHandle_t h, cublasFillMode_t u, cublasOperation_t t, int n, int k, \
+                                        const T* alpha, const T* A, int lda, const T* B, int ldb, const S* beta, \
+                                        T* C, int ldc) { \
+        const char* f = "cublas" #P #root; \
+        const bool nA = t == CUBLAS_OP_N; \
+        const bool valid = deviceMatrix(f, "A", A, nA ? n : k, nA ? k : n, lda, sizeof(T)) && \
+                           deviceMatrix(f, "B", B, nA ? n : k, nA ? k : n, ldb, sizeof(T)) && \
+                           deviceMatrix(f, "C", C, n, n, ldc, sizeof(T)); \
+        return launch(h, valid, [=, al = *alpha, be = *beta] { \
+            const char a = fill(u), b = op(t); \
+            STAND_IN_OPENBLAS(p##root##_)(&a, &b, &n, &k, &al, A, &lda, B, &ldb, &be, C, &ldc, 1, 1); \
+        }); \
+    }
+
+// cuBLAS's trmm writes C = alpha op(A) B, which may be B itself.
+#define STAND_IN_TRMM(p, P, T) \
+    cublasStatus_t cublas##P##trmm_v2(cublasHandle_t h, cublasSideMode_t s, cublasFillMode_t u, \
+                                      cublasOperation_t t, cublasDiagType_t d, int m, int n, const T* alpha, \
+                                      const T* A, int lda, const T* B, int ldb, T* C, int ldc) { \
+        const char* f = "cublas" #P "trmm"; \
+        const int order = s == CUBLAS_SIDE_LEFT ? m : n; \
+        const bool valid = deviceMatrix(f, "A", A, order, order, lda, sizeof(T)) && \
+                           deviceMatrix(f, "B", B, m, n, ldb, sizeof(T)) && \
+                           deviceMatrix(f, "C", C, m, n, ldc, sizeof(T)); \
+        return launch(h, valid, [=, al = *alpha] { \
+            if (C != B) \
+                for (int j = 0; j < n; ++j) std::memmove(C + size_t(j) * ldc, B + size_t(j) * ldb, m * sizeof(T)); \
+            const char a = side(s), b = fill(u), c = op(t), e = diag(d); \
+            STAND_IN_OPENBLAS(p##trmm_)(&a, &b, &c, &e, &m, &n, &al, A, &lda, C, &ldc, 1, 1, 1, 1); \
+        }); \
+    }
+
+#define STAND_IN_TRSM(p, P, T) \
+    cublasStatus_t cublas##P##trsm_v2(cublasHandle_t h, cublasSideMode_t s, cublasFillMode_t u, \
+                                      cublasOperation_t t, cublasDiagType_t d, int m, int n, const T* alpha, \
+                                      const T* A, int lda, T* B, int ldb) { \
+        const char* f = "cublas" #P "trsm"; \
+        const int order = s == CUBLAS_SIDE_LEFT ? m : n; \
+        const bool valid = deviceMatrix(f, "A", A, order, order, lda, sizeof(T)) && \
+                           deviceMatrix(f, "B", B, m, n, ldb, sizeof(T)); \
+        return launch(h, valid, [=, al = *alpha] { \
+            const char a = side(s), b = fill(u), c = op(t), e = diag(d); \
+            STAND_IN_OPENBLAS(p##trsm_)(&a, &b, &c, &e, &m, &n, &al, A, &lda, B, &ldb, 1, 1, 1, 1); \
+        }); \
+    }
+
+// symv and hemv
+#define STAND_IN_SYMV(p, P, T, root) \
+    cublasStatus_t cublas##P##root##_v2(cublasHandle_t h, cublasFillMode_t u, int n, const T* alpha, const T* A, \
+                                        int lda, const T* x, int incx, const T* beta, T* y, int incy) { \
+        const char* f = "cublas" #P #root; \
+        const bool valid = deviceMatrix(f, "A", A, n, n, lda, sizeof(T)) && \
+                           deviceVector(f, "x", x, n, incx, sizeof(T)) && deviceVector(f, "y", y, n, incy, sizeof(T)); \
+        return launch(h, valid, [=, al = *alpha, be = *beta] { \
+            const char a = fill(u); \
+            STAND_IN_OPENBLAS(p##root##_)(&a, &n, &al, A, &lda, x, &incx, &be, y, &incy, 1); \
+        }); \
+    }
+
+extern "C" {
+
+cublasStatus_t cublasCreate_v2(cublasHandle_t* handle) {
+    *handle = new cublasContext;
+    return CUBLAS_STATUS_SUCCESS;
+}
+cublasStatus_t cublasDestroy_v2(cublasHandle_t handle) {
+    delete handle;
+    return CUBLAS_STATUS_SUCCESS;
+}
+cublasStatus_t cublasSetStream_v2(cublasHandle_t handle, cudaStream_t stream) {
+    handle->stream = stream;
+    return CUBLAS_STATUS_SUCCESS;
+}
+const char* cublasGetStatusString(cublasStatus_t status) {
+    switch (status) {
+        case CUBLAS_STATUS_SUCCESS: return "the operation completed successfully";
+        case CUBLAS_STATUS_INVALID_VALUE: return "an unsupported value or parameter was passed to the function";
+        case CUBLAS_STATUS_EXECUTION_FAILED: return "the GPU program failed to execute";
+        default: return "stand-in cuBLAS status";
+    }
+}
+
+STAND_IN_GEMM(s, S, float)
+STAND_IN_GEMM(d, D, double)
+STAND_IN_GEMM(c, C, C)
+STAND_IN_GEMM(z, Z, Z)
+STAND_IN_SYMM(s, S, float, symm)
+STAND_IN_SYMM(d, D, double, symm)
+STAND_IN_SYMM(c, C, C, symm)
+STAND_IN_SYMM(z, Z, Z, symm)
+STAND_IN_SYMM(c, C, C, hemm)
+STAND_IN_SYMM(z, Z, Z, hemm)
+STAND_IN_SYRK(s, S, float, float, syrk)
+STAND_IN_SYRK(d, D, double, double, syrk)
+STAND_IN_SYRK(c, C, C, C, syrk)
+STAND_IN_SYRK(z, Z, Z, Z, syrk)
+STAND_IN_SYRK(c, C, C, float, herk)
+STAND_IN_SYRK(z, Z, Z, double, herk)
+STAND_IN_SYR2K(s, S, float, float, syr2k)
+STAND_IN_SYR2K(d, D, double, double, syr2k)
+STAND_IN_SYR2K(c, C, C, C, syr2k)
+STAND_IN_SYR2K(z, Z, Z, Z, syr2k)
+STAND_IN_SYR2K(c, C, C, float, her2k)
+STAND_IN_SYR2K(z, Z, Z, double, her2k)
+STAND_IN_TRMM(s, S, float)
+STAND_IN_TRMM(d, D, double)
+STAND_IN_TRMM(c, C, C)
+STAND_IN_TRMM(z, Z, Z)
+STAND_IN_TRSM(s, S, float)
+STAND_IN_TRSM(d, D, double)
+STAND_IN_TRSM(c, C, C)
+STAND_IN_TRSM(z, Z, Z)
+STAND_IN_SYMV(s, S, float, symv)
+STAND_IN_SYMV(d, D, double, symv)
+STAND_IN_SYMV(c, C, C, hemv)
+STAND_IN_SYMV(z, Z, Z, hemv)
+
+}  // extern "C"

@@ -1,0 +1,130 @@
+// The CUDA GPU library over the CPU stand-in for the CUDA run-time, cuBLAS and
+// cuSOLVER (libcuda_stand_in.so), which can make any copy, computation or wait
+// fail on request and counts device allocations. A failure anywhere before the
+// copy back leaves the caller's arrays as they were, and the next call works;
+// steady-state calls allocate no device memory.
+#include <cstring>
+#include <functional>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+#include "stand_in.h"
+#include "test_support.h"
+#include "vorn_lapack.h"
+
+namespace {
+
+// One call on fixed arrays: small staging slots, so that every operand moves in
+// several chunks and the failures land between them.
+struct Case {
+    const char* name;
+    std::function<int(std::vector<double>&, std::vector<int>&)> call;
+};
+constexpr int n = 24;
+
+std::vector<double> arrays() {
+    std::vector<double> a(4 * n * n);
+    for (std::size_t i = 0; i < a.size(); ++i) a[i] = double((i * 7919) % 1009) / 1009.0 + (i % (n + 1) == 0 ? n : 0);
+    return a;
+}
+
+const std::vector<Case>& cases() {
+    static const std::vector<Case> all = {
+        {"dgemm", [](auto& a, auto&) { return vornDgemm('N', 'T', n, n, n, 1, a.data(), n, a.data() + n * n, n, 0.5,
+                                                        a.data() + 2 * n * n, n); }},
+        {"dgetrf", [](auto& a, auto& p) { return vornDgetrf(n, n, a.data(), n, p.data()); }},
+        {"zgesv", [](auto& a, auto& p) {
+             auto* z = reinterpret_cast<vornDoubleComplex*>(a.data());
+             return vornZgesv(n / 2, 3, z, n / 2, p.data(), z + n * n, n / 2);
+         }},
+        {"dsgesv", [](auto& a, auto& p) { return vornDsgesv(n, 2, a.data(), n, p.data(), a.data() + n * n, n,
+                                                            a.data() + 2 * n * n, n, a.data() + 3 * n * n); }},
+        {"zherk", [](auto& a, auto&) {
+             auto* z = reinterpret_cast<vornDoubleComplex*>(a.data());
+             return vornZherk('L', 'C', n / 2, n, 1, z, n, 0.5, z + n * n, n / 2);
+         }},
+    };
+    return all;
+}
+
+// Runs a case once to count the copies to the GPU and the computations it makes.
+void countsOf(const Case& c, long& toDevice, long& compute) {
+    auto a = arrays();
+    std::vector<int> p(n, 0);
+    const long d = cudaStandInCount("toDevice"), k = cudaStandInCount("compute");
+    ASSERT_EQ(c.call(a, p), 0) << c.name;
+    toDevice = cudaStandInCount("toDevice") - d;
+    compute = cudaStandInCount("compute") - k;
+}
+
+void expectFailureLeavesArrays(const Case& c, const char* kind, int nth) {
+    auto a = arrays();
+    std::vector<int> p(n, -3);
+    const auto aBefore = a;
+    const auto pBefore = p;
+    cudaStandInFailAt(kind, nth);
+    const int status = c.call(a, p);
+    cudaStandInFailAt(kind, 0);
+    const std::string where = std::string(c.name) + ", " + kind + " " + std::to_string(nth);
+    EXPECT_EQ(status, VORN_STATUS_RUNTIME_ERROR) << where << ": " << vornGetStatusString(status);
+    EXPECT_TRUE(a == aBefore) << where;
+    EXPECT_TRUE(p == pBefore) << where;
+    // The next call works and gives the same answer as a call that never failed.
+    auto again = arrays(), clean = arrays();
+    std::vector<int> q(n, 0), r(n, 0);
+    EXPECT_EQ(c.call(again, q), 0) << where;
+    EXPECT_EQ(c.call(clean, r), 0) << where;
+    EXPECT_TRUE(again == clean && q == r) << where;
+}
+
+}  // namespace
+
+class CudaStandIn : public testing::TestWithParam<const char*> {};
+
+TEST_P(CudaStandIn, FailuresBeforeTheCopyBackLeaveTheArraysUntouched) {
+    setEnv("VORN_CUDA_TRANSFER", GetParam());
+    setEnv("VORN_CUDA_STAGING_BYTES", "1000");
+    ASSERT_EQ(vornInitialize(), 0);
+    for (const Case& c : cases()) {
+        long toDevice = 0, compute = 0;
+        countsOf(c, toDevice, compute);
+        ASSERT_GT(toDevice, 0);
+        ASSERT_GT(compute, 0);
+        for (int i = 1; i <= toDevice; ++i) expectFailureLeavesArrays(c, "toDevice", i);
+        for (int i = 1; i <= compute; ++i) expectFailureLeavesArrays(c, "compute", i);
+        expectFailureLeavesArrays(c, "wait", 1);
+        // The info word comes back first, then the first chunk of the first output.
+        expectFailureLeavesArrays(c, "toHost", 1);
+        expectFailureLeavesArrays(c, "toHost", 2);
+    }
+}
+INSTANTIATE_TEST_SUITE_P(TransferModes, CudaStandIn, testing::Values("staged", "registered", "pageable"));
+
+// The workspace grows to the largest call and stays: calls of that size or
+// smaller allocate nothing. A failed allocation of the grown size falls back to
+// the size needed; a failed allocation of that is "out of GPU memory".
+TEST(CudaStandInWorkspace, NoDeviceAllocationPerCallInSteadyState) {
+    ASSERT_EQ(vornInitialize(), 0);
+    auto a = arrays();
+    std::vector<int> p(n);
+    const Case& gemm = cases()[0];
+    ASSERT_EQ(gemm.call(a, p), 0);
+    const long afterFirst = cudaStandInCount("allocate");
+    EXPECT_EQ(afterFirst, 1);
+    for (int i = 0; i < 5; ++i) ASSERT_EQ(gemm.call(a, p), 0);
+    ASSERT_EQ(cases()[1].call(a, p), 0);  // smaller
+    EXPECT_EQ(cudaStandInCount("allocate"), afterFirst);
+
+    std::vector<double> big(3 * 96 * 96, 0.25);
+    cudaStandInFailAt("allocate", 1);
+    EXPECT_EQ(vornDgemm('N', 'N', 96, 96, 96, 1, big.data(), 96, big.data() + 96 * 96, 96, 0, big.data() + 2 * 96 * 96, 96), 0);
+    EXPECT_EQ(cudaStandInCount("allocate"), afterFirst + 2);
+    std::vector<double> bigger(3 * 200 * 200, 0.25);
+    const auto before = bigger;
+    cudaStandInFailAt("allocate", 1);
+    cudaStandInFailAt("allocate", 2);
+    EXPECT_EQ(vornDgemm('N', 'N', 200, 200, 200, 1, bigger.data(), 200, bigger.data() + 200 * 200, 200, 0,
+                        bigger.data() + 2 * 200 * 200, 200), VORN_STATUS_OUT_OF_MEMORY);
+    EXPECT_TRUE(bigger == before);
+}
