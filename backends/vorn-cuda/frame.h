@@ -130,7 +130,7 @@ template <class T> Operand vector(T* host, int n, int inc, Use use) {
 struct Gpu {
     ThreadContext& context;
     const char* routine;
-    const Operand* operands;
+    Operand* operands;
     char* scratch;
     int* info;
     int* ignoredInfo;
@@ -144,6 +144,19 @@ struct Gpu {
     }
     int solver(cusolverStatus_t status, const char* what) const {
         return status ? solverFailure(status, routine, what) : 0;
+    }
+    // The computation found that operand i is as the caller gave it: it is not
+    // copied back.
+    void unchanged(int i) const { operands[i].use = Use::in; }
+    // Sets the imaginary parts of the diagonal of operand i (n x n, complex) to
+    // zero, as reference BLAS leaves them in herk and her2k and reads them in hemm
+    // and hemv.
+    template <class T> int realDiagonal(int i, int n) const {
+        using Real = typename Library<T>::Real;
+        const std::size_t pitch = std::size_t(ld(i) + 1) * sizeof(T);
+        cudaError_t e = cudaMemset2DAsync(reinterpret_cast<char*>(at<T>(i)) + sizeof(Real), pitch, 0, sizeof(Real), n,
+                                          context.stream);
+        return e ? cudaFailure(e, routine, "cudaMemset2DAsync of the diagonal") : 0;
     }
 };
 

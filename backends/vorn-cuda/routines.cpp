@@ -34,7 +34,8 @@ template <class T> struct Gemm {
     }
 };
 
-// symm, hemm: c:side, c:uplo, i:m, i:n, S:alpha, p:a, i:lda, p:b, i:ldb, S:beta, p:c, i:ldc
+// symm, hemm: c:side, c:uplo, i:m, i:n, S:alpha, p:a, i:lda, p:b, i:ldb, S:beta, p:c, i:ldc.
+// hemm reads A's diagonal as real, whatever its imaginary parts hold.
 template <class T, bool Hermitian> struct Symm {
     using Type = T; static constexpr const char* root = Hermitian ? "hemm" : "symm";
     char side, uplo; int m, n; T alpha; const T* a; int lda; const T* b; int ldb; T beta; T* c; int ldc;
@@ -49,6 +50,8 @@ template <class T, bool Hermitian> struct Symm {
                           isZero(beta) ? out(c, m, n, ldc) : inOut(c, m, n, ldc)};
     }
     int compute(const Gpu& g) const {
+        if constexpr (Hermitian)
+            if (int status = g.realDiagonal<T>(0, order())) return status;
         const auto al = scalar(alpha), be = scalar(beta);
         constexpr auto function = choose<Hermitian>(Library<T>::hemm, Library<T>::symm);
         return g.blas(function(g.context.blas, sideOf(side), fill(uplo), m, n, &al, g.at<T>(0), g.ld(0), g.at<T>(1),
@@ -58,7 +61,7 @@ template <class T, bool Hermitian> struct Symm {
 
 // syrk, herk: c:uplo, c:trans, i:n, i:k, S:alpha (R in herk), p:a, i:lda, S:beta (R), p:c, i:ldc.
 // C is copied in whole whatever beta is: only one triangle is computed, and the
-// other goes back as it came.
+// other goes back as it came. herk and her2k leave C's diagonal real.
 template <class T, bool Hermitian> struct Syrk {
     using Type = T; static constexpr const char* root = Hermitian ? "herk" : "syrk";
     using Scalar = std::conditional_t<Hermitian, typename Library<T>::Real, T>;
@@ -76,8 +79,11 @@ template <class T, bool Hermitian> struct Syrk {
     int compute(const Gpu& g) const {
         const auto al = scalar(alpha), be = scalar(beta);
         constexpr auto function = choose<Hermitian>(Library<T>::herk, Library<T>::syrk);
-        return g.blas(function(g.context.blas, fill(uplo), operation<T>(trans), n, k, &al, g.at<T>(0), g.ld(0), &be,
-                               g.at<T>(1), g.ld(1)), root);
+        if (int status = g.blas(function(g.context.blas, fill(uplo), operation<T>(trans), n, k, &al, g.at<T>(0),
+                                         g.ld(0), &be, g.at<T>(1), g.ld(1)), root))
+            return status;
+        if constexpr (Hermitian) return g.realDiagonal<T>(1, n);
+        return 0;
     }
 };
 
@@ -102,8 +108,11 @@ template <class T, bool Hermitian> struct Syr2k {
         const auto al = scalar(alpha);
         const auto be = scalar(beta);
         constexpr auto function = choose<Hermitian>(Library<T>::her2k, Library<T>::syr2k);
-        return g.blas(function(g.context.blas, fill(uplo), operation<T>(trans), n, k, &al, g.at<T>(0), g.ld(0),
-                               g.at<T>(1), g.ld(1), &be, g.at<T>(2), g.ld(2)), root);
+        if (int status = g.blas(function(g.context.blas, fill(uplo), operation<T>(trans), n, k, &al, g.at<T>(0),
+                                         g.ld(0), g.at<T>(1), g.ld(1), &be, g.at<T>(2), g.ld(2)), root))
+            return status;
+        if constexpr (Hermitian) return g.realDiagonal<T>(2, n);
+        return 0;
     }
 };
 
@@ -134,6 +143,7 @@ template <class T, bool Solve> struct Trxm {
 
 // symv, hemv: c:uplo, i:n, S:alpha, p:a, i:lda, p:x, i:incx, S:beta, p:y, i:incy.
 // y goes in whole: with a stride, the elements between its own stay as they were.
+// hemv reads A's diagonal as real.
 template <class T, bool Hermitian> struct Symv {
     using Type = T; static constexpr const char* root = Hermitian ? "hemv" : "symv";
     char uplo; int n; T alpha; const T* a; int lda; const T* x; int incx; T beta; T* y; int incy;
@@ -144,6 +154,8 @@ template <class T, bool Hermitian> struct Symv {
     bool nothingToDo() const { return n == 0 || (isZero(alpha) && isOne(beta)); }
     auto operands() const { return std::array{in(a, n, n, lda), vector(x, n, incx, Use::in), vector(y, n, incy, Use::inOut)}; }
     int compute(const Gpu& g) const {
+        if constexpr (Hermitian)
+            if (int status = g.realDiagonal<T>(0, n)) return status;
         const auto al = scalar(alpha), be = scalar(beta);
         constexpr auto function = choose<Hermitian>(Library<T>::hemv, Library<T>::symv);
         return g.blas(function(g.context.blas, fill(uplo), n, &al, g.at<T>(0), g.ld(0), g.at<T>(1), incx, &be,
@@ -287,10 +299,13 @@ template <class T> struct Gbtrf {
 
 // dsgesv, zcgesv: i:n, i:nrhs, p:a, i:lda, p:ipiv, p:b, i:ldb, p:x, i:ldx, p:work.
 // cuSOLVER's refinement solver factors in the lower precision and refines in the
-// higher; a stays unchanged when that converges, as in LAPACK, and holds the
-// higher-precision factors otherwise. The caller's work is LAPACK's residual
-// space, which nobody reads afterwards: it is left alone. Its iteration count
-// is not part of the interface.
+// higher. When that converges, LAPACK leaves a as it was and ipiv holding the
+// lower-precision pivots: a is not copied back. When it gives up, LAPACK returns
+// the higher-precision factors in a; cuSOLVER promises nothing about a then, so
+// the caller's a goes to the GPU again and is factored and solved here, as
+// LAPACK's fallback does. The caller's work is LAPACK's residual space, which
+// nobody reads afterwards: it is left alone. The iteration count is not part of
+// the interface.
 template <class T> struct MixedGesv {
     using Type = T; static constexpr const char* root = std::is_same_v<T, double> ? "sgesv" : "cgesv";
     int n, nrhs; T* a; int lda; int* ipiv; const T* b; int ldb; T* x; int ldx; T* work;
@@ -304,20 +319,43 @@ template <class T> struct MixedGesv {
     auto operands() const {
         return std::array{inOut(a, n, n, lda, true), out(ipiv, n, 1, n, true), in(b, n, nrhs, ldb), out(x, n, nrhs, ldx)};
     }
-    int scratchBytes(ThreadContext& c, std::size_t& bytes) const {
+    int refinementBytes(ThreadContext& c, std::size_t& bytes) const {
         if (cusolverStatus_t s = Library<T>::mixedSize(c.solver, n, nrhs, nullptr, atLeastOne(n), nullptr, nullptr,
                                                        atLeastOne(n), nullptr, atLeastOne(n), nullptr, &bytes))
             return solverFailure(s, root, "gesv_bufferSize");
-        bytes = aligned(bytes);
+        return 0;
+    }
+    int scratchBytes(ThreadContext& c, std::size_t& bytes) const {
+        std::size_t refinement = 0, factor = 0;
+        if (int status = refinementBytes(c, refinement)) return status;
+        if (int status = getrfScratch<T>(c, n, n, root, factor)) return status;
+        bytes = std::max(aligned(refinement), factor);
         return 0;
     }
     int compute(const Gpu& g) const {
         int iterations = 0;
         std::size_t bytes = 0;
-        if (int status = scratchBytes(g.context, bytes)) return status;
-        return g.solver(Library<T>::mixedGesv(g.context.solver, n, nrhs, g.at<T>(0), g.ld(0), g.pivots(1), g.at<T>(2),
-                                              g.ld(2), g.at<T>(3), g.ld(3), g.scratch, bytes, &iterations, g.info),
-                        "mixed-precision gesv");
+        if (int status = refinementBytes(g.context, bytes)) return status;
+        if (int status = g.solver(Library<T>::mixedGesv(g.context.solver, n, nrhs, g.at<T>(0), g.ld(0), g.pivots(1),
+                                                        g.at<T>(2), g.ld(2), g.at<T>(3), g.ld(3), g.scratch, bytes,
+                                                        &iterations, g.info), "mixed-precision gesv"))
+            return status;
+        // The iteration count is a host value, final once the solver has returned.
+        if (iterations >= 0) {
+            g.unchanged(0);
+            return 0;
+        }
+        if (int status = upload(g.context, g.operands[0], g.routine)) return status;
+        auto* scratch = reinterpret_cast<typename Library<T>::Device*>(g.scratch);
+        if (int status = g.solver(Library<T>::getrf(g.context.solver, n, n, g.at<T>(0), g.ld(0), scratch,
+                                                    g.pivots(1), g.info), "getrf"))
+            return status;
+        const std::size_t solution = std::size_t(n) * nrhs * sizeof(T);
+        if (cudaError_t e = cudaMemcpyAsync(g.at<T>(3), g.at<T>(2), solution, cudaMemcpyDeviceToDevice, g.context.stream))
+            return cudaFailure(e, g.routine, "cudaMemcpyAsync on the GPU");
+        // With a singular factor x holds nothing useful, and info > 0 keeps it from the caller.
+        return g.solver(Library<T>::getrs(g.context.solver, CUBLAS_OP_N, n, nrhs, g.at<T>(0), g.ld(0), g.pivots(1),
+                                          g.at<T>(3), g.ld(3), g.ignoredInfo), "getrs");
     }
 };
 

@@ -28,6 +28,12 @@ void dtrsm_(const char*, const char*, const char*, const char*, const int*, cons
             const int*, double*, const int*, std::size_t, std::size_t, std::size_t, std::size_t);
 void dgetrf_(const int*, const int*, double*, const int*, int*, int*);
 void zgetrf_(const int*, const int*, Z*, const int*, int*, int*);
+void zherk_(const char*, const char*, const int*, const int*, const double*, const Z*, const int*, const double*, Z*,
+            const int*, std::size_t, std::size_t);
+void zher2k_(const char*, const char*, const int*, const int*, const Z*, const Z*, const int*, const Z*, const int*,
+             const double*, Z*, const int*, std::size_t, std::size_t);
+void zhemv_(const char*, const int*, const Z*, const Z*, const int*, const Z*, const int*, const Z*, Z*, const int*,
+            std::size_t);
 }
 
 namespace {
@@ -327,6 +333,86 @@ TEST(CudaLibrary, SingularMatricesGiveStatusSevenWithInfo) {
     EXPECT_EQ(vornSgetri(n, s.data(), n, ipiv.data()), VORN_STATUS_INFO_NUMERICAL);
     EXPECT_EQ(vornGetErrorInfo(), 3);
     EXPECT_EQ(s, sBefore);
+}
+
+// dsgesv and zcgesv leave a as LAPACK does: as it was when refinement in the
+// lower precision converged (or the higher-precision factors, where the solver
+// judged refinement not worth trying), and the higher-precision factors with
+// their pivots when it gave up. The matrix of the second case is singular in
+// single precision only.
+TEST(CudaLibrary, MixedPrecisionSolversLeaveAAsLapackDoes) {
+    REQUIRE_GPU();
+    auto residual = [](const std::vector<double>& a, const std::vector<double>& x, const std::vector<double>& b, int n) {
+        double worst = 0;
+        for (int i = 0; i < n; ++i) {
+            double r = b[i];
+            for (int j = 0; j < n; ++j) r -= a[i + std::size_t(j) * n] * x[j];
+            worst = std::max(worst, std::abs(r));
+        }
+        return worst;
+    };
+    {
+        SCOPED_TRACE("converges");
+        const int n = 40;
+        const auto a = matrix<double>(n, n, n, 41), b = matrix<double>(n, 1, n, 42);
+        auto given = a, x = b, work = b, factors = a;
+        std::vector<int> ipiv(n), expectedIpiv(n);
+        int info = 0;
+        dgetrf_(&n, &n, factors.data(), &n, expectedIpiv.data(), &info);
+        ASSERT_EQ(vornDsgesv(n, 1, given.data(), n, ipiv.data(), b.data(), n, x.data(), n, work.data()), 0);
+        EXPECT_LE(residual(a, x, b, n), 30.0 * n * dEps * 8.0);
+        if (given != a) expectClose(given, factors, n, dEps);
+    }
+    {
+        SCOPED_TRACE("falls back");
+        const int n = 3;
+        const std::vector<double> a = {1, 1, 0, 1, 1 + 1e-10, 0, 0, 0.5, 2}, b = {2, 3, 1};
+        auto given = a, x = std::vector<double>(3, -1.0), work = x, factors = a;
+        std::vector<int> ipiv(n), expectedIpiv(n);
+        int info = 0;
+        dgetrf_(&n, &n, factors.data(), &n, expectedIpiv.data(), &info);
+        ASSERT_EQ(info, 0);
+        ASSERT_EQ(vornDsgesv(n, 1, given.data(), n, ipiv.data(), b.data(), n, x.data(), n, work.data()), 0);
+        EXPECT_EQ(ipiv, expectedIpiv);
+        expectClose(given, factors, n, dEps);
+        EXPECT_LE(residual(a, x, b, n), 1e-5);  // the condition number is about 4e10
+    }
+}
+
+// Reference BLAS reads only the real part of the diagonal of a Hermitian A, and
+// herk and her2k leave C's diagonal real: imaginary parts there in the caller's
+// arrays change nothing and come back as zero.
+TEST(CudaLibrary, HermitianRoutinesKeepTheDiagonalReal) {
+    REQUIRE_GPU();
+    const int n = 33, k = 17;
+    auto a = matrix<Z>(n, n, n, 51), b = matrix<Z>(n, k, n, 52), c = matrix<Z>(n, n, n, 53);
+    for (int i = 0; i < n; ++i) {
+        a[i + std::size_t(i) * n].imag(5.0 + i);
+        c[i + std::size_t(i) * n].imag(-3.0 - i);
+    }
+    const Z alpha(0.75, 0.5), one(1, 0);
+    const double beta = 0.5, realAlpha = 1.25;
+    {
+        SCOPED_TRACE("zhemv");
+        auto y = matrix<Z>(n, 1, n, 54), expected = y;
+        const int inc = 1;
+        zhemv_("L", &n, &alpha, a.data(), &n, b.data(), &inc, &one, expected.data(), &inc, 1);
+        ASSERT_EQ(vornZhemv('L', n, gpu(alpha), gpu(a.data()), n, gpu(b.data()), 1, gpu(one), gpu(y.data()), 1), 0);
+        expectClose(y, expected, n, dEps);
+    }
+    for (const bool rank2 : {false, true}) {
+        SCOPED_TRACE(rank2 ? "zher2k" : "zherk");
+        auto got = c, expected = c;
+        if (rank2) {
+            zher2k_("U", "N", &n, &k, &alpha, b.data(), &n, b.data(), &n, &beta, expected.data(), &n, 1, 1);
+            ASSERT_EQ(vornZher2k('U', 'N', n, k, gpu(alpha), gpu(b.data()), n, gpu(b.data()), n, beta, gpu(got.data()), n), 0);
+        } else {
+            zherk_("U", "N", &n, &k, &realAlpha, b.data(), &n, &beta, expected.data(), &n, 1, 1);
+            ASSERT_EQ(vornZherk('U', 'N', n, k, realAlpha, gpu(b.data()), n, beta, gpu(got.data()), n), 0);
+        }
+        for (int i = 0; i < n; ++i) EXPECT_EQ(got[i + std::size_t(i) * n].imag(), 0.0) << i;
+        expectClose(got, expected, k, dEps);
+    }
 }
 
 // info < 0: status 8 with info -i for the first illegal argument in LAPACK's
