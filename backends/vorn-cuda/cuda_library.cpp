@@ -253,6 +253,42 @@ int download(ThreadContext& c, const Operand& o, const char* routine) {
     return previous.slot >= 0 ? drain(previous) : 0;
 }
 
+bool fitsInStaging(const Operand* const* outputs, int count) {
+    std::size_t total = 0;
+    for (int i = 0; i < count; ++i) total += outputs[i]->bytes();
+    return total <= 2 * settings.stagingBytes;
+}
+
+// The two slots lie end to end: the outputs go there one after another.
+int downloadTogether(ThreadContext& c, const Operand* const* outputs, int count, const char* routine) {
+    for (cudaEvent_t slot : c.slotFree)
+        if (cudaError_t error = cudaEventSynchronize(slot)) return cudaFailure(error, routine, "cudaEventSynchronize");
+    // Whatever happens, the next user of the slots waits for the copies queued here.
+    struct MarkSlots {
+        ThreadContext& c;
+        ~MarkSlots() {
+            for (cudaEvent_t slot : c.slotFree) cudaEventRecord(slot, c.stream);
+        }
+    };
+    std::size_t at = 0;
+    {
+        MarkSlots mark{c};
+        for (int i = 0; i < count; ++i) {
+            if (cudaError_t error = cudaMemcpyAsync(c.staging + at, c.device + outputs[i]->offset,
+                                                    outputs[i]->bytes(), cudaMemcpyDeviceToHost, c.stream))
+                return cudaFailure(error, routine, "cudaMemcpyAsync from the GPU");
+            at += outputs[i]->bytes();
+        }
+    }
+    if (cudaError_t error = cudaStreamSynchronize(c.stream)) return cudaFailure(error, routine, "cudaStreamSynchronize");
+    at = 0;
+    for (int i = 0; i < count; ++i) {
+        scatter(*outputs[i], c.staging + at, 0, outputs[i]->bytes());
+        at += outputs[i]->bytes();
+    }
+    return 0;
+}
+
 int pin(ThreadContext&, const Operand& o, bool& pinned, const char* routine) {
     pinned = false;
     if (settings.transfer != Transfer::registered || o.bytes() == 0) return 0;

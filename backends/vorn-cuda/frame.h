@@ -5,7 +5,8 @@
 //   ready? -> arguments (status 8) -> quick return -> context -> workspace ->
 //   copy in -> compute -> wait, read info -> copy out what LAPACK leaves -> status.
 // The caller's arrays are written only in the last step, after the GPU work has
-// succeeded, so every failure status leaves them as they were.
+// succeeded, and all at once from the staging slots when the outputs fit there,
+// so every failure status leaves them as they were (see run for larger outputs).
 #pragma once
 
 #include <algorithm>
@@ -245,9 +246,17 @@ int run(const Row& row) {
         std::snprintf(detail, sizeof detail, "info %d", lapackInfo);
         return fail(VORN_STATUS_RUNTIME_ERROR, routine, "argument refused on the GPU", detail);
     }
-    for (const Operand& o : operands) {
-        if (o.use == Use::in || o.bytes() == 0 || (lapackInfo > 0 && !o.keptOnInfo)) continue;
-        if ((status = download(c, o, routine))) return status;
+    std::array<const Operand*, std::tuple_size_v<decltype(operands)>> outputs{};
+    int count = 0;
+    for (const Operand& o : operands)
+        if (o.use != Use::in && o.bytes() > 0 && (lapackInfo == 0 || o.keptOnInfo)) outputs[count++] = &o;
+    if (fitsInStaging(outputs.data(), count)) {
+        if ((status = downloadTogether(c, outputs.data(), count, routine))) return status;
+    } else {
+        // Larger outputs go back chunk by chunk: a GPU fault in the middle of these
+        // copies can leave the first chunks written.
+        for (int i = 0; i < count; ++i)
+            if ((status = download(c, *outputs[i], routine))) return status;
     }
     return answer(lapackInfo);
 }
