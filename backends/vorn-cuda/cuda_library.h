@@ -91,9 +91,10 @@ struct Operand {
 // arrays and so run only once the routine is known to have succeeded.
 int upload(ThreadContext& context, const Operand& operand, const char* routine);
 int download(ThreadContext& context, const Operand& operand, const char* routine);
-// Downloads a call's outputs together through the staging slots, when they fit
-// there (fits): every copy has arrived before the first byte of the caller's
-// arrays is written, so that a failure on the way leaves them as they were.
+// Whether a call's outputs fit in the two staging slots together; if so,
+// downloadTogether brings them all back through the slots: every copy has
+// arrived before the first byte of the caller's arrays is written, so that a
+// failure on the way leaves them as they were.
 bool fitsInStaging(const Operand* const* outputs, int count);
 int downloadTogether(ThreadContext& context, const Operand* const* outputs, int count, const char* routine);
 // Pins the caller's pages of an operand for the call (registered mode); release
