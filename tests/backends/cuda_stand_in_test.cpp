@@ -49,24 +49,18 @@ const std::vector<Case>& cases() {
     return all;
 }
 
-// Runs a case once to count the copies to the GPU and the computations it makes.
-void countsOf(const Case& c, long& toDevice, long& compute) {
+// Runs a case once and counts the stand-in's calls of each kind that it makes.
+struct Counts { long toDevice, compute, toHost, wait; };
+Counts countsOf(const Case& c) {
     auto a = arrays();
     std::vector<int> p(n, 0);
-    const long d = cudaStandInCount("toDevice"), k = cudaStandInCount("compute");
-    ASSERT_EQ(c.call(a, p), 0) << c.name;
-    toDevice = cudaStandInCount("toDevice") - d;
-    compute = cudaStandInCount("compute") - k;
-}
-
-// Runs a case once to count its copies back and its waits.
-void waitsOf(const Case& c, long& toHost, long& waits) {
-    auto a = arrays();
-    std::vector<int> p(n, 0);
-    const long h = cudaStandInCount("toHost"), w = cudaStandInCount("wait");
-    ASSERT_EQ(c.call(a, p), 0) << c.name;
-    toHost = cudaStandInCount("toHost") - h;
-    waits = cudaStandInCount("wait") - w;
+    auto now = [] { return Counts{cudaStandInCount("toDevice"), cudaStandInCount("compute"), cudaStandInCount("toHost"),
+                                  cudaStandInCount("wait")}; };
+    const Counts before = now();
+    EXPECT_EQ(c.call(a, p), 0) << c.name;
+    const Counts after = now();
+    return {after.toDevice - before.toDevice, after.compute - before.compute, after.toHost - before.toHost,
+            after.wait - before.wait};
 }
 
 // A failure of the nth call of a kind gives a failure status with the arrays as
@@ -105,12 +99,11 @@ TEST_P(CudaStandIn, FailuresBeforeTheCopyBackLeaveTheArraysUntouched) {
     setEnv("VORN_CUDA_STAGING_BYTES", "1000");
     ASSERT_EQ(vornInitialize(), 0);
     for (const Case& c : cases()) {
-        long toDevice = 0, compute = 0;
-        countsOf(c, toDevice, compute);
-        ASSERT_GT(toDevice, 0);
-        ASSERT_GT(compute, 0);
-        for (int i = 1; i <= toDevice; ++i) expectFailureLeavesArrays(c, "toDevice", i);
-        for (int i = 1; i <= compute; ++i) expectFailureLeavesArrays(c, "compute", i);
+        const Counts counts = countsOf(c);
+        ASSERT_GT(counts.toDevice, 0);
+        ASSERT_GT(counts.compute, 0);
+        for (int i = 1; i <= counts.toDevice; ++i) expectFailureLeavesArrays(c, "toDevice", i);
+        for (int i = 1; i <= counts.compute; ++i) expectFailureLeavesArrays(c, "compute", i);
         expectFailureLeavesArrays(c, "wait", 1);
         // The info word comes back first, then the first chunk of the first output.
         expectFailureLeavesArrays(c, "toHost", 1);
@@ -125,11 +118,10 @@ TEST_P(CudaStandIn, OutputsThatFitInStagingComeBackAllOrNothing) {
     setEnv("VORN_CUDA_TRANSFER", GetParam());
     ASSERT_EQ(vornInitialize(), 0);
     for (const Case& c : cases()) {
-        long toHost = 0, waits = 0;
-        waitsOf(c, toHost, waits);
-        ASSERT_GT(toHost, 1);
-        for (int i = 1; i <= toHost; ++i) expectFailureLeavesArrays(c, "toHost", i);
-        for (int i = 1; i <= waits; ++i) expectFailureLeavesArrays(c, "wait", i, true);
+        const Counts counts = countsOf(c);
+        ASSERT_GT(counts.toHost, 1);
+        for (int i = 1; i <= counts.toHost; ++i) expectFailureLeavesArrays(c, "toHost", i);
+        for (int i = 1; i <= counts.wait; ++i) expectFailureLeavesArrays(c, "wait", i, true);
     }
 }
 
