@@ -8,7 +8,9 @@ set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build="${VORN_WINDOWS_TEST_BUILD_DIR:-$root/build-win-tests}"
-wine=/usr/lib/wine/wine64
+# Every program, the tests and the prefix's own set-up, starts through wine-run.sh,
+# which starts again what Wine itself could not start.
+wine=$root/tools/wine-run.sh
 wineserver=/usr/lib/wine/wineserver
 
 source "$root/tools/packages.sh"
@@ -18,11 +20,9 @@ ensure_packages cmake g++ make g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86
   liblapacke-dev libblas-dev
 
 # The library, the emulator and the export check, as tools/build-windows.sh does
-# them, with the tests on and Wine, through tools/wine-run.sh, as the emulator
-# that runs test programs.
+# them, with the tests on and Wine as the emulator that runs test programs.
 cmake -S "$root" -B "$build" -DCMAKE_TOOLCHAIN_FILE="$root/cmake/mingw-w64.cmake" \
-  -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVORN_BUILD_TESTS=ON -DCMAKE_CROSSCOMPILING_EMULATOR="$root/tools/wine-run.sh" \
-  >/dev/null
+  -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVORN_BUILD_TESTS=ON -DCMAKE_CROSSCOMPILING_EMULATOR="$wine" >/dev/null
 cmake --build "$build" -j"$(nproc)"
 "$root/tools/check-windows-exports.sh" "$build"
 
