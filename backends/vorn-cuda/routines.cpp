@@ -1,17 +1,19 @@
 // The routines of the CUDA GPU library: one row per root, over the element type,
-// then one line per GPU function. A row holds the GPU function's arguments in its
+// and the GPU function list (vorn_gpu_functions.h) defines each function over its
+// root's row. A row holds the GPU function's arguments in its
 // order, LAPACK's argument checks (position, condition) in the reference
 // implementation's order, LAPACK's quick return, the operands with the part of
 // the caller's array that is read or written, and the cuBLAS or cuSOLVER calls.
 // The frame (frame.h) does the rest.
 #include "frame.h"
+#include "vorn_gpu_functions.h"
 
 namespace {
 
 // ---- Multiply and rank-update routines: no info; status 8 names the argument
 // that reference BLAS would give to xerbla, and the CPU library reports it.
 
-// gemm: c:transa, c:transb, i:m, i:n, i:k, S:alpha, p:a, i:lda, p:b, i:ldb, S:beta, p:c, i:ldc
+// gemm.
 template <class T> struct Gemm {
     using Type = T; static constexpr const char* root = "gemm";
     char transa, transb; int m, n, k; T alpha; const T* a; int lda; const T* b; int ldb; T beta; T* c; int ldc;
@@ -34,7 +36,7 @@ template <class T> struct Gemm {
     }
 };
 
-// symm, hemm: c:side, c:uplo, i:m, i:n, S:alpha, p:a, i:lda, p:b, i:ldb, S:beta, p:c, i:ldc.
+// symm, hemm.
 // hemm reads A's diagonal as real, whatever its imaginary parts hold.
 template <class T, bool Hermitian> struct Symm {
     using Type = T; static constexpr const char* root = Hermitian ? "hemm" : "symm";
@@ -59,7 +61,7 @@ template <class T, bool Hermitian> struct Symm {
     }
 };
 
-// syrk, herk: c:uplo, c:trans, i:n, i:k, S:alpha (R in herk), p:a, i:lda, S:beta (R), p:c, i:ldc.
+// syrk, herk.
 // C is copied in whole whatever beta is: only one triangle is computed, and the
 // other goes back as it came. herk and her2k leave C's diagonal real.
 template <class T, bool Hermitian> struct Syrk {
@@ -87,7 +89,7 @@ template <class T, bool Hermitian> struct Syrk {
     }
 };
 
-// syr2k, her2k: c:uplo, c:trans, i:n, i:k, S:alpha, p:a, i:lda, p:b, i:ldb, S:beta (R in her2k), p:c, i:ldc
+// syr2k, her2k.
 template <class T, bool Hermitian> struct Syr2k {
     using Type = T; static constexpr const char* root = Hermitian ? "her2k" : "syr2k";
     using Beta = std::conditional_t<Hermitian, typename Library<T>::Real, T>;
@@ -116,7 +118,7 @@ template <class T, bool Hermitian> struct Syr2k {
     }
 };
 
-// trmm, trsm: c:side, c:uplo, c:transa, c:diag, i:m, i:n, S:alpha, p:a, i:lda, p:b, i:ldb.
+// trmm, trsm.
 // cuBLAS's trmm writes a separate C; given B's own address it works in place.
 template <class T, bool Solve> struct Trxm {
     using Type = T; static constexpr const char* root = Solve ? "trsm" : "trmm";
@@ -141,7 +143,7 @@ template <class T, bool Solve> struct Trxm {
     }
 };
 
-// symv, hemv: c:uplo, i:n, S:alpha, p:a, i:lda, p:x, i:incx, S:beta, p:y, i:incy.
+// symv, hemv.
 // y goes in whole: with a stride, the elements between its own stay as they were.
 // hemv reads A's diagonal as real.
 template <class T, bool Hermitian> struct Symv {
@@ -166,7 +168,7 @@ template <class T, bool Hermitian> struct Symv {
 // ---- LU routines (and potrf, the one Cholesky routine of the interface so
 // far): statuses 7 and 8 with info as LAPACK gives it.
 
-// potrf: c:uplo, i:n, p:a, i:lda. A matrix that is not positive definite leaves
+// potrf. A matrix that is not positive definite leaves
 // the factor of its leading minor in a, as in LAPACK.
 template <class T> struct Potrf {
     using Type = T; static constexpr const char* root = "potrf";
@@ -200,7 +202,7 @@ template <class T> int getrfScratch(ThreadContext& c, int m, int n, const char* 
     return 0;
 }
 
-// getrf: i:m, i:n, p:a, i:lda, p:ipiv. A singular factor (info > 0) is complete,
+// getrf. A singular factor (info > 0) is complete,
 // so a and ipiv go back.
 template <class T> struct Getrf {
     using Type = T; static constexpr const char* root = "getrf";
@@ -215,7 +217,7 @@ template <class T> struct Getrf {
     }
 };
 
-// getrs: c:trans, i:n, i:nrhs, p:a, i:lda, p:ipiv, p:b, i:ldb
+// getrs.
 template <class T> struct Getrs {
     using Type = T; static constexpr const char* root = "getrs";
     char trans; int n, nrhs; const T* a; int lda; const int* ipiv; T* b; int ldb;
@@ -231,7 +233,7 @@ template <class T> struct Getrs {
     }
 };
 
-// getri: i:n, p:a, i:lda, p:ipiv. The inverse solves A X = I with the factors
+// getri. The inverse solves A X = I with the factors
 // given. An exactly zero U(i,i) is found on the host first, as LAPACK's trtri
 // does, and leaves a untouched with info = i.
 template <class T> struct Getri {
@@ -264,7 +266,7 @@ template <class T> struct Getri {
     }
 };
 
-// gesv: i:n, i:nrhs, p:a, i:lda, p:ipiv, p:b, i:ldb. With a singular factor
+// gesv. With a singular factor
 // LAPACK returns a and ipiv factored and b as it was. nrhs = 0 still factors.
 template <class T> struct Gesv {
     using Type = T; static constexpr const char* root = "gesv";
@@ -285,7 +287,7 @@ template <class T> struct Gesv {
     }
 };
 
-// gbtrf: i:m, i:n, i:kl, i:ku, p:ab, i:ldab, p:ipiv. cuSOLVER has no banded LU:
+// gbtrf. cuSOLVER has no banded LU:
 // the CPU library factors it.
 template <class T> struct Gbtrf {
     using Type = T; static constexpr const char* root = "gbtrf";
@@ -297,7 +299,7 @@ template <class T> struct Gbtrf {
     int compute(const Gpu&) const { return 0; }
 };
 
-// dsgesv, zcgesv: i:n, i:nrhs, p:a, i:lda, p:ipiv, p:b, i:ldb, p:x, i:ldx, p:work.
+// dsgesv, zcgesv.
 // cuSOLVER's refinement solver factors in the lower precision and refines in the
 // higher. When that converges, LAPACK leaves a as it was and ipiv holding the
 // lower-precision pivots: a is not copied back. When it gives up, LAPACK returns
@@ -359,76 +361,30 @@ template <class T> struct MixedGesv {
     }
 };
 
-using C = vornFloatComplex;
-using Z = vornDoubleComplex;
+// The row each root of the GPU function list runs, over the element type.
+namespace rowOf {
+template <class T> using potrf = Potrf<T>;
+template <class T> using getrf = Getrf<T>;
+template <class T> using getrs = Getrs<T>;
+template <class T> using getri = Getri<T>;
+template <class T> using gesv = Gesv<T>;
+template <class T> using gbtrf = Gbtrf<T>;
+template <class T> using mixedGesv = MixedGesv<T>;
+template <class T> using gemm = Gemm<T>;
+template <class T> using symm = Symm<T, false>;
+template <class T> using hemm = Symm<T, true>;
+template <class T> using syrk = Syrk<T, false>;
+template <class T> using herk = Syrk<T, true>;
+template <class T> using syr2k = Syr2k<T, false>;
+template <class T> using her2k = Syr2k<T, true>;
+template <class T> using trmm = Trxm<T, false>;
+template <class T> using trsm = Trxm<T, true>;
+template <class T> using symv = Symv<T, false>;
+template <class T> using hemv = Symv<T, true>;
+}  // namespace rowOf
 
 }  // namespace
 
-// The table: one line per GPU function of backends/include/vorn_lapack.h, the row
-// built from the arguments in their order.
-extern "C" {
-
-// Cholesky and triangular routines
-int vornSpotrf(char uplo, int n, float* a, int lda) { return run(Potrf<float>{uplo, n, a, lda}); }
-
-// LU routines
-int vornSgetrf(int m, int n, float* a, int lda, int* ipiv) { return run(Getrf<float>{m, n, a, lda, ipiv}); }
-int vornDgetrf(int m, int n, double* a, int lda, int* ipiv) { return run(Getrf<double>{m, n, a, lda, ipiv}); }
-int vornCgetrf(int m, int n, C* a, int lda, int* ipiv) { return run(Getrf<C>{m, n, a, lda, ipiv}); }
-int vornZgetrf(int m, int n, Z* a, int lda, int* ipiv) { return run(Getrf<Z>{m, n, a, lda, ipiv}); }
-int vornSgetrs(char trans, int n, int nrhs, const float* a, int lda, const int* ipiv, float* b, int ldb) { return run(Getrs<float>{trans, n, nrhs, a, lda, ipiv, b, ldb}); }
-int vornDgetrs(char trans, int n, int nrhs, const double* a, int lda, const int* ipiv, double* b, int ldb) { return run(Getrs<double>{trans, n, nrhs, a, lda, ipiv, b, ldb}); }
-int vornCgetrs(char trans, int n, int nrhs, const C* a, int lda, const int* ipiv, C* b, int ldb) { return run(Getrs<C>{trans, n, nrhs, a, lda, ipiv, b, ldb}); }
-int vornZgetrs(char trans, int n, int nrhs, const Z* a, int lda, const int* ipiv, Z* b, int ldb) { return run(Getrs<Z>{trans, n, nrhs, a, lda, ipiv, b, ldb}); }
-int vornSgetri(int n, float* a, int lda, const int* ipiv) { return run(Getri<float>{n, a, lda, ipiv}); }
-int vornDgetri(int n, double* a, int lda, const int* ipiv) { return run(Getri<double>{n, a, lda, ipiv}); }
-int vornCgetri(int n, C* a, int lda, const int* ipiv) { return run(Getri<C>{n, a, lda, ipiv}); }
-int vornZgetri(int n, Z* a, int lda, const int* ipiv) { return run(Getri<Z>{n, a, lda, ipiv}); }
-int vornSgesv(int n, int nrhs, float* a, int lda, int* ipiv, float* b, int ldb) { return run(Gesv<float>{n, nrhs, a, lda, ipiv, b, ldb}); }
-int vornDgesv(int n, int nrhs, double* a, int lda, int* ipiv, double* b, int ldb) { return run(Gesv<double>{n, nrhs, a, lda, ipiv, b, ldb}); }
-int vornCgesv(int n, int nrhs, C* a, int lda, int* ipiv, C* b, int ldb) { return run(Gesv<C>{n, nrhs, a, lda, ipiv, b, ldb}); }
-int vornZgesv(int n, int nrhs, Z* a, int lda, int* ipiv, Z* b, int ldb) { return run(Gesv<Z>{n, nrhs, a, lda, ipiv, b, ldb}); }
-int vornSgbtrf(int m, int n, int kl, int ku, float* ab, int ldab, int* ipiv) { return run(Gbtrf<float>{m, n, kl, ku, ab, ldab, ipiv}); }
-int vornDgbtrf(int m, int n, int kl, int ku, double* ab, int ldab, int* ipiv) { return run(Gbtrf<double>{m, n, kl, ku, ab, ldab, ipiv}); }
-int vornCgbtrf(int m, int n, int kl, int ku, C* ab, int ldab, int* ipiv) { return run(Gbtrf<C>{m, n, kl, ku, ab, ldab, ipiv}); }
-int vornZgbtrf(int m, int n, int kl, int ku, Z* ab, int ldab, int* ipiv) { return run(Gbtrf<Z>{m, n, kl, ku, ab, ldab, ipiv}); }
-int vornDsgesv(int n, int nrhs, double* a, int lda, int* ipiv, const double* b, int ldb, double* x, int ldx, double* work) { return run(MixedGesv<double>{n, nrhs, a, lda, ipiv, b, ldb, x, ldx, work}); }
-int vornZcgesv(int n, int nrhs, Z* a, int lda, int* ipiv, const Z* b, int ldb, Z* x, int ldx, Z* work) { return run(MixedGesv<Z>{n, nrhs, a, lda, ipiv, b, ldb, x, ldx, work}); }
-
-// Multiply and rank-update routines
-int vornSgemm(char transa, char transb, int m, int n, int k, float alpha, const float* a, int lda, const float* b, int ldb, float beta, float* c, int ldc) { return run(Gemm<float>{transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc}); }
-int vornDgemm(char transa, char transb, int m, int n, int k, double alpha, const double* a, int lda, const double* b, int ldb, double beta, double* c, int ldc) { return run(Gemm<double>{transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc}); }
-int vornCgemm(char transa, char transb, int m, int n, int k, C alpha, const C* a, int lda, const C* b, int ldb, C beta, C* c, int ldc) { return run(Gemm<C>{transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc}); }
-int vornZgemm(char transa, char transb, int m, int n, int k, Z alpha, const Z* a, int lda, const Z* b, int ldb, Z beta, Z* c, int ldc) { return run(Gemm<Z>{transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc}); }
-int vornSsymm(char side, char uplo, int m, int n, float alpha, const float* a, int lda, const float* b, int ldb, float beta, float* c, int ldc) { return run(Symm<float, false>{side, uplo, m, n, alpha, a, lda, b, ldb, beta, c, ldc}); }
-int vornDsymm(char side, char uplo, int m, int n, double alpha, const double* a, int lda, const double* b, int ldb, double beta, double* c, int ldc) { return run(Symm<double, false>{side, uplo, m, n, alpha, a, lda, b, ldb, beta, c, ldc}); }
-int vornCsymm(char side, char uplo, int m, int n, C alpha, const C* a, int lda, const C* b, int ldb, C beta, C* c, int ldc) { return run(Symm<C, false>{side, uplo, m, n, alpha, a, lda, b, ldb, beta, c, ldc}); }
-int vornZsymm(char side, char uplo, int m, int n, Z alpha, const Z* a, int lda, const Z* b, int ldb, Z beta, Z* c, int ldc) { return run(Symm<Z, false>{side, uplo, m, n, alpha, a, lda, b, ldb, beta, c, ldc}); }
-int vornChemm(char side, char uplo, int m, int n, C alpha, const C* a, int lda, const C* b, int ldb, C beta, C* c, int ldc) { return run(Symm<C, true>{side, uplo, m, n, alpha, a, lda, b, ldb, beta, c, ldc}); }
-int vornZhemm(char side, char uplo, int m, int n, Z alpha, const Z* a, int lda, const Z* b, int ldb, Z beta, Z* c, int ldc) { return run(Symm<Z, true>{side, uplo, m, n, alpha, a, lda, b, ldb, beta, c, ldc}); }
-int vornSsyrk(char uplo, char trans, int n, int k, float alpha, const float* a, int lda, float beta, float* c, int ldc) { return run(Syrk<float, false>{uplo, trans, n, k, alpha, a, lda, beta, c, ldc}); }
-int vornDsyrk(char uplo, char trans, int n, int k, double alpha, const double* a, int lda, double beta, double* c, int ldc) { return run(Syrk<double, false>{uplo, trans, n, k, alpha, a, lda, beta, c, ldc}); }
-int vornCsyrk(char uplo, char trans, int n, int k, C alpha, const C* a, int lda, C beta, C* c, int ldc) { return run(Syrk<C, false>{uplo, trans, n, k, alpha, a, lda, beta, c, ldc}); }
-int vornZsyrk(char uplo, char trans, int n, int k, Z alpha, const Z* a, int lda, Z beta, Z* c, int ldc) { return run(Syrk<Z, false>{uplo, trans, n, k, alpha, a, lda, beta, c, ldc}); }
-int vornCherk(char uplo, char trans, int n, int k, float alpha, const C* a, int lda, float beta, C* c, int ldc) { return run(Syrk<C, true>{uplo, trans, n, k, alpha, a, lda, beta, c, ldc}); }
-int vornZherk(char uplo, char trans, int n, int k, double alpha, const Z* a, int lda, double beta, Z* c, int ldc) { return run(Syrk<Z, true>{uplo, trans, n, k, alpha, a, lda, beta, c, ldc}); }
-int vornSsyr2k(char uplo, char trans, int n, int k, float alpha, const float* a, int lda, const float* b, int ldb, float beta, float* c, int ldc) { return run(Syr2k<float, false>{uplo, trans, n, k, alpha, a, lda, b, ldb, beta, c, ldc}); }
-int vornDsyr2k(char uplo, char trans, int n, int k, double alpha, const double* a, int lda, const double* b, int ldb, double beta, double* c, int ldc) { return run(Syr2k<double, false>{uplo, trans, n, k, alpha, a, lda, b, ldb, beta, c, ldc}); }
-int vornCsyr2k(char uplo, char trans, int n, int k, C alpha, const C* a, int lda, const C* b, int ldb, C beta, C* c, int ldc) { return run(Syr2k<C, false>{uplo, trans, n, k, alpha, a, lda, b, ldb, beta, c, ldc}); }
-int vornZsyr2k(char uplo, char trans, int n, int k, Z alpha, const Z* a, int lda, const Z* b, int ldb, Z beta, Z* c, int ldc) { return run(Syr2k<Z, false>{uplo, trans, n, k, alpha, a, lda, b, ldb, beta, c, ldc}); }
-int vornCher2k(char uplo, char trans, int n, int k, C alpha, const C* a, int lda, const C* b, int ldb, float beta, C* c, int ldc) { return run(Syr2k<C, true>{uplo, trans, n, k, alpha, a, lda, b, ldb, beta, c, ldc}); }
-int vornZher2k(char uplo, char trans, int n, int k, Z alpha, const Z* a, int lda, const Z* b, int ldb, double beta, Z* c, int ldc) { return run(Syr2k<Z, true>{uplo, trans, n, k, alpha, a, lda, b, ldb, beta, c, ldc}); }
-int vornStrmm(char side, char uplo, char transa, char diag, int m, int n, float alpha, const float* a, int lda, float* b, int ldb) { return run(Trxm<float, false>{side, uplo, transa, diag, m, n, alpha, a, lda, b, ldb}); }
-int vornDtrmm(char side, char uplo, char transa, char diag, int m, int n, double alpha, const double* a, int lda, double* b, int ldb) { return run(Trxm<double, false>{side, uplo, transa, diag, m, n, alpha, a, lda, b, ldb}); }
-int vornCtrmm(char side, char uplo, char transa, char diag, int m, int n, C alpha, const C* a, int lda, C* b, int ldb) { return run(Trxm<C, false>{side, uplo, transa, diag, m, n, alpha, a, lda, b, ldb}); }
-int vornZtrmm(char side, char uplo, char transa, char diag, int m, int n, Z alpha, const Z* a, int lda, Z* b, int ldb) { return run(Trxm<Z, false>{side, uplo, transa, diag, m, n, alpha, a, lda, b, ldb}); }
-int vornStrsm(char side, char uplo, char transa, char diag, int m, int n, float alpha, const float* a, int lda, float* b, int ldb) { return run(Trxm<float, true>{side, uplo, transa, diag, m, n, alpha, a, lda, b, ldb}); }
-int vornDtrsm(char side, char uplo, char transa, char diag, int m, int n, double alpha, const double* a, int lda, double* b, int ldb) { return run(Trxm<double, true>{side, uplo, transa, diag, m, n, alpha, a, lda, b, ldb}); }
-int vornCtrsm(char side, char uplo, char transa, char diag, int m, int n, C alpha, const C* a, int lda, C* b, int ldb) { return run(Trxm<C, true>{side, uplo, transa, diag, m, n, alpha, a, lda, b, ldb}); }
-int vornZtrsm(char side, char uplo, char transa, char diag, int m, int n, Z alpha, const Z* a, int lda, Z* b, int ldb) { return run(Trxm<Z, true>{side, uplo, transa, diag, m, n, alpha, a, lda, b, ldb}); }
-int vornSsymv(char uplo, int n, float alpha, const float* a, int lda, const float* x, int incx, float beta, float* y, int incy) { return run(Symv<float, false>{uplo, n, alpha, a, lda, x, incx, beta, y, incy}); }
-int vornDsymv(char uplo, int n, double alpha, const double* a, int lda, const double* x, int incx, double beta, double* y, int incy) { return run(Symv<double, false>{uplo, n, alpha, a, lda, x, incx, beta, y, incy}); }
-int vornChemv(char uplo, int n, C alpha, const C* a, int lda, const C* x, int incx, C beta, C* y, int incy) { return run(Symv<C, true>{uplo, n, alpha, a, lda, x, incx, beta, y, incy}); }
-int vornZhemv(char uplo, int n, Z alpha, const Z* a, int lda, const Z* x, int incx, Z beta, Z* y, int incy) { return run(Symv<Z, true>{uplo, n, alpha, a, lda, x, incx, beta, y, incy}); }
-
-}  // extern "C"
+// Every GPU function: its row, built from the arguments in their order.
+#define VORN_GPU_BODY(function, base, root, T) return run(rowOf::root<T>{VORN_GPU_ARGUMENT_LIST(root, T)});
+VORN_GPU_FUNCTIONS(VORN_GPU_DEFINE_ONE)

@@ -147,7 +147,7 @@ int emulateGetri(const char* gpuName, int n, T* a, int lda, const int* ipiv) {
 
 // dsgesv and zcgesv: the single-precision workspace (and zcgesv's rwork) and
 // iter are the emulator's own.
-template <FixedString Routine, class Single, class T>
+template <FixedString Routine, class T>
 int emulateMixedGesv(const char* gpuName, int n, int nrhs, T* a, int lda, int* ipiv, const T* b, int ldb, T* x,
                      int ldx, T* work) {
     int status;
@@ -158,6 +158,7 @@ int emulateMixedGesv(const char* gpuName, int n, int nrhs, T* a, int lda, int* i
     }
     void* function = emulatorCpuFunction(Routine.c_str());
     if (function == nullptr) return VORN_STATUS_NOT_AVAILABLE;
+    using Single = std::conditional_t<std::is_same_v<T, double>, float, vornFloatComplex>;
     std::vector<Single> swork(static_cast<std::size_t>(std::max(n, 0)) * std::max(n + nrhs, 0) + 1);
     std::vector<double> rwork(std::max(n, 1));
     int iter = 0, info = 0;

@@ -1,0 +1,146 @@
+// The GPU functions of vorn_lapack.h as one list, for the C++ code that
+// implements or calls all of them: the emulator, the CUDA library, the tests, and
+// the emulator's Windows .def file (read from the rows by CMake).
+//
+// vorn_lapack.h stays the hand-written contract. Every expansion of this list
+// that declares or defines a function is compiled with that header included, so
+// a parameter list that differs from the header's prototype is a conflicting
+// declaration of a C function and fails the build.
+//
+// Adding a GPU function: one row in VORN_GPU_FUNCTIONS, plus its root's parameter
+// list below if the root is new. Adding a routed family also touches: its
+// declarations in vorn_lapack.h, its rows in routines/routed/ (link side),
+// routing/crossover_defaults.inc if it brings new crossovers, the emulator's
+// table of roots without info (BLAS) or its own emulation (emulator/routines.cpp),
+// and the CUDA library's root structs (vorn-cuda/routines.cpp).
+#pragma once
+
+#include <type_traits>
+
+#include "vorn_lapack.h"
+
+// The real type of an element type: float for float and vornFloatComplex,
+// double for double and vornDoubleComplex.
+template <class T>
+using vornRealOf = std::conditional_t<std::is_same_v<T, float> || std::is_same_v<T, vornFloatComplex>, float, double>;
+
+// Each root's parameter list, written once over the element type T. P(type, name)
+// is applied to every parameter; the expansion chooses what it makes of them.
+#define VORN_GPU_PARAMETERS_potrf(P, T) P(char, uplo), P(int, n), P(T*, a), P(int, lda)
+
+#define VORN_GPU_PARAMETERS_getrf(P, T) P(int, m), P(int, n), P(T*, a), P(int, lda), P(int*, ipiv)
+#define VORN_GPU_PARAMETERS_getrs(P, T) \
+    P(char, trans), P(int, n), P(int, nrhs), P(const T*, a), P(int, lda), P(const int*, ipiv), P(T*, b), P(int, ldb)
+#define VORN_GPU_PARAMETERS_getri(P, T) P(int, n), P(T*, a), P(int, lda), P(const int*, ipiv)
+#define VORN_GPU_PARAMETERS_gesv(P, T) \
+    P(int, n), P(int, nrhs), P(T*, a), P(int, lda), P(int*, ipiv), P(T*, b), P(int, ldb)
+#define VORN_GPU_PARAMETERS_gbtrf(P, T) \
+    P(int, m), P(int, n), P(int, kl), P(int, ku), P(T*, ab), P(int, ldab), P(int*, ipiv)
+// dsgesv and zcgesv, over their working (double) element type.
+#define VORN_GPU_PARAMETERS_mixedGesv(P, T)                                                                    \
+    P(int, n), P(int, nrhs), P(T*, a), P(int, lda), P(int*, ipiv), P(const T*, b), P(int, ldb), P(T*, x), \
+        P(int, ldx), P(T*, work)
+
+#define VORN_GPU_PARAMETERS_gemm(P, T)                                                                        \
+    P(char, transa), P(char, transb), P(int, m), P(int, n), P(int, k), P(T, alpha), P(const T*, a), P(int, lda), \
+        P(const T*, b), P(int, ldb), P(T, beta), P(T*, c), P(int, ldc)
+#define VORN_GPU_PARAMETERS_symm(P, T)                                                                       \
+    P(char, side), P(char, uplo), P(int, m), P(int, n), P(T, alpha), P(const T*, a), P(int, lda), P(const T*, b), \
+        P(int, ldb), P(T, beta), P(T*, c), P(int, ldc)
+#define VORN_GPU_PARAMETERS_hemm VORN_GPU_PARAMETERS_symm
+#define VORN_GPU_PARAMETERS_syrk(P, T)                                                                      \
+    P(char, uplo), P(char, trans), P(int, n), P(int, k), P(T, alpha), P(const T*, a), P(int, lda), P(T, beta), \
+        P(T*, c), P(int, ldc)
+#define VORN_GPU_PARAMETERS_herk(P, T)                                                                     \
+    P(char, uplo), P(char, trans), P(int, n), P(int, k), P(vornRealOf<T>, alpha), P(const T*, a), P(int, lda), \
+        P(vornRealOf<T>, beta), P(T*, c), P(int, ldc)
+#define VORN_GPU_PARAMETERS_syr2k(P, T)                                                                     \
+    P(char, uplo), P(char, trans), P(int, n), P(int, k), P(T, alpha), P(const T*, a), P(int, lda), P(const T*, b), \
+        P(int, ldb), P(T, beta), P(T*, c), P(int, ldc)
+#define VORN_GPU_PARAMETERS_her2k(P, T)                                                                     \
+    P(char, uplo), P(char, trans), P(int, n), P(int, k), P(T, alpha), P(const T*, a), P(int, lda), P(const T*, b), \
+        P(int, ldb), P(vornRealOf<T>, beta), P(T*, c), P(int, ldc)
+#define VORN_GPU_PARAMETERS_trmm(P, T)                                                                         \
+    P(char, side), P(char, uplo), P(char, transa), P(char, diag), P(int, m), P(int, n), P(T, alpha), P(const T*, a), \
+        P(int, lda), P(T*, b), P(int, ldb)
+#define VORN_GPU_PARAMETERS_trsm VORN_GPU_PARAMETERS_trmm
+#define VORN_GPU_PARAMETERS_symv(P, T)                                                                            \
+    P(char, uplo), P(int, n), P(T, alpha), P(const T*, a), P(int, lda), P(const T*, x), P(int, incx), P(T, beta), \
+        P(T*, y), P(int, incy)
+#define VORN_GPU_PARAMETERS_hemv VORN_GPU_PARAMETERS_symv
+
+// One row per GPU function: its name, the routine's base name, its root (whose
+// parameter list it takes) and its element type.
+#define VORN_GPU_FUNCTIONS(X)                            \
+    /* Cholesky and triangular routines */               \
+    X(vornSpotrf, spotrf, potrf, float)                  \
+    /* LU routines */                                    \
+    X(vornSgetrf, sgetrf, getrf, float)                  \
+    X(vornDgetrf, dgetrf, getrf, double)                 \
+    X(vornCgetrf, cgetrf, getrf, vornFloatComplex)       \
+    X(vornZgetrf, zgetrf, getrf, vornDoubleComplex)      \
+    X(vornSgetrs, sgetrs, getrs, float)                  \
+    X(vornDgetrs, dgetrs, getrs, double)                 \
+    X(vornCgetrs, cgetrs, getrs, vornFloatComplex)       \
+    X(vornZgetrs, zgetrs, getrs, vornDoubleComplex)      \
+    X(vornSgetri, sgetri, getri, float)                  \
+    X(vornDgetri, dgetri, getri, double)                 \
+    X(vornCgetri, cgetri, getri, vornFloatComplex)       \
+    X(vornZgetri, zgetri, getri, vornDoubleComplex)      \
+    X(vornSgesv, sgesv, gesv, float)                     \
+    X(vornDgesv, dgesv, gesv, double)                    \
+    X(vornCgesv, cgesv, gesv, vornFloatComplex)          \
+    X(vornZgesv, zgesv, gesv, vornDoubleComplex)         \
+    X(vornSgbtrf, sgbtrf, gbtrf, float)                  \
+    X(vornDgbtrf, dgbtrf, gbtrf, double)                 \
+    X(vornCgbtrf, cgbtrf, gbtrf, vornFloatComplex)       \
+    X(vornZgbtrf, zgbtrf, gbtrf, vornDoubleComplex)      \
+    X(vornDsgesv, dsgesv, mixedGesv, double)             \
+    X(vornZcgesv, zcgesv, mixedGesv, vornDoubleComplex)  \
+    /* Multiply and rank-update routines */              \
+    X(vornSgemm, sgemm, gemm, float)                     \
+    X(vornDgemm, dgemm, gemm, double)                    \
+    X(vornCgemm, cgemm, gemm, vornFloatComplex)          \
+    X(vornZgemm, zgemm, gemm, vornDoubleComplex)         \
+    X(vornSsymm, ssymm, symm, float)                     \
+    X(vornDsymm, dsymm, symm, double)                    \
+    X(vornCsymm, csymm, symm, vornFloatComplex)          \
+    X(vornZsymm, zsymm, symm, vornDoubleComplex)         \
+    X(vornChemm, chemm, hemm, vornFloatComplex)          \
+    X(vornZhemm, zhemm, hemm, vornDoubleComplex)         \
+    X(vornSsyrk, ssyrk, syrk, float)                     \
+    X(vornDsyrk, dsyrk, syrk, double)                    \
+    X(vornCsyrk, csyrk, syrk, vornFloatComplex)          \
+    X(vornZsyrk, zsyrk, syrk, vornDoubleComplex)         \
+    X(vornCherk, cherk, herk, vornFloatComplex)          \
+    X(vornZherk, zherk, herk, vornDoubleComplex)         \
+    X(vornSsyr2k, ssyr2k, syr2k, float)                  \
+    X(vornDsyr2k, dsyr2k, syr2k, double)                 \
+    X(vornCsyr2k, csyr2k, syr2k, vornFloatComplex)       \
+    X(vornZsyr2k, zsyr2k, syr2k, vornDoubleComplex)      \
+    X(vornCher2k, cher2k, her2k, vornFloatComplex)       \
+    X(vornZher2k, zher2k, her2k, vornDoubleComplex)      \
+    X(vornStrmm, strmm, trmm, float)                     \
+    X(vornDtrmm, dtrmm, trmm, double)                    \
+    X(vornCtrmm, ctrmm, trmm, vornFloatComplex)          \
+    X(vornZtrmm, ztrmm, trmm, vornDoubleComplex)         \
+    X(vornStrsm, strsm, trsm, float)                     \
+    X(vornDtrsm, dtrsm, trsm, double)                    \
+    X(vornCtrsm, ctrsm, trsm, vornFloatComplex)          \
+    X(vornZtrsm, ztrsm, trsm, vornDoubleComplex)         \
+    X(vornSsymv, ssymv, symv, float)                     \
+    X(vornDsymv, dsymv, symv, double)                    \
+    X(vornChemv, chemv, hemv, vornFloatComplex)          \
+    X(vornZhemv, zhemv, hemv, vornDoubleComplex)
+
+// Expansions of a parameter list: "int m, int n, float* a", "m, n, a".
+#define VORN_GPU_DECLARE(type, name) type name
+#define VORN_GPU_PASS(type, name) name
+#define VORN_GPU_PARAMETER_LIST(root, T) VORN_GPU_PARAMETERS_##root(VORN_GPU_DECLARE, T)
+#define VORN_GPU_ARGUMENT_LIST(root, T) VORN_GPU_PARAMETERS_##root(VORN_GPU_PASS, T)
+
+// Defines one GPU function of the list, with C linkage, as the expansion's own
+// VORN_GPU_BODY(function, base, root, T) gives its body, which may use the
+// parameters by name: `VORN_GPU_FUNCTIONS(VORN_GPU_DEFINE_ONE)` defines them all.
+#define VORN_GPU_DEFINE_ONE(function, base, root, T) \
+    extern "C" VORN_API int function(VORN_GPU_PARAMETER_LIST(root, T)) { VORN_GPU_BODY(function, base, root, T) }
