@@ -44,3 +44,8 @@ void linkReadRouting();
 // prefix and newline included, and guards info lines with a test of verbose, so
 // that nothing is formatted when verbose is off.
 [[gnu::format(printf, 1, 2)]] void linkWriteLine(const char* format, ...);
+
+// "vorn info:  info returned as N", when verbose is set and N is not 0.
+inline void linkLogInfoReturned(int32_t value) {
+    if (linkState.verbose && value != 0) linkWriteLine("vorn info:  info returned as %d\n", value);
+}

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 #include <utility>
 
 struct CallWords {
@@ -38,3 +39,8 @@ inline Result callCpuWords(void* function, CallWords words, std::index_sequence<
     using Function = Result (*)(decltype((void)I, static_cast<void*>(nullptr))...);
     return reinterpret_cast<Function>(function)(words.word[I]...);
 }
+
+// The real type of a routine by its precision letter: float in s and c routines,
+// double in d and z routines.
+template <char Precision>
+using RealTypeOf = std::conditional_t<Precision == 's' || Precision == 'c', float, double>;

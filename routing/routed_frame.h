@@ -20,6 +20,7 @@
 #include "exports/words.h"
 #include "ilp64/int_width.h"
 #include "routing/crossover_table.h"
+#include "routing/entry_line.h"
 #include "routing/gpu_arguments.h"
 #include "routing/issue_reason.h"
 #include "routing/work_query.h"
@@ -27,24 +28,18 @@
 
 enum class FrameClass { A, B, C };
 
-template <FixedString Name, class Root, auto GpuFunction, int32_t CrossoverTable::*Entry>
+template <FixedString Name, class Root, auto GpuFunction, int32_t CrossoverTable::*CrossoverEntry>
 struct RoutedRoutine {
     static constexpr FixedString name = Name;
     using Args = Root;
-    using Gpu = GpuBinding<GpuFunction, typename Root::GpuArgs>;
     // The routine's real type: single in s and c routines, double in d and z.
     using RealType = RealTypeOf<Name.text[0]>;
-    static constexpr auto entryFormat =
-        "vorn info:  " + Name + " (" + conversionList(typename Root::GpuArgs{}) + ")\n";
+    // The entry line prints the arguments that the GPU function gets.
+    using Entry = EntryLine<Name, typename Root::GpuArgs>;
+    using Gpu = GpuBinding<GpuFunction, typename Root::GpuArgs, RealType>;
     static inline constinit CpuSlot cpuSlot{};
-    static int32_t crossover() { return crossoverTable.*Entry; }
+    static int32_t crossover() { return crossoverTable.*CrossoverEntry; }
 };
-
-template <class Routine>
-void linkWriteEntryLine(CallWords words) {
-    std::apply([](auto... values) { linkWriteLine(Routine::entryFormat.c_str(), values...); },
-               Routine::Gpu::printedValues(words));
-}
 
 template <class Routine>
 bool measureUnderCrossover(CallWords words) {
@@ -55,10 +50,6 @@ bool measureUnderCrossover(CallWords words) {
         static_assert(std::is_same_v<decltype(measure), const int32_t>);
         return measure < Routine::crossover();
     }
-}
-
-inline void linkLogInfoReturned(int32_t value) {
-    if (linkState.verbose && value != 0) linkWriteLine("vorn info:  info returned as %d\n", value);
 }
 
 // The GPU call of one pass. Gives true when the GPU library answered the call:
@@ -91,7 +82,7 @@ template <class Routine>
     constexpr bool hasWorkQuery = Args::frameClass == FrameClass::C;
 
     linkInitGpu();
-    if (linkState.verbose) linkWriteEntryLine<Routine>(words);
+    if (linkState.verbose) Routine::Entry::write(words);
 
     void* info = nullptr;
     if constexpr (hasInfo) {

@@ -40,6 +40,3 @@ void linkWriteWorkLines(CallWords words, WorkLines<Lines...>) {
     (line(Lines{}), ...);
 }
 
-// The real type of a routine by its precision letter.
-template <char Precision>
-using RealTypeOf = std::conditional_t<Precision == 's' || Precision == 'c', float, double>;
