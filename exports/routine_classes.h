@@ -21,7 +21,7 @@ inline constexpr const char* forwardedRoutines[] = {
 };
 
 inline constexpr const char* loggedRoutines[] = {
-#define LOGGED(name, words) #name,
+#define LOGGED(name, ...) #name,
 #include "routines/cpu/logged_routines.inc"
 #undef LOGGED
 };

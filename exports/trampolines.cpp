@@ -9,6 +9,9 @@
 #define FORWARDED(name, words, info) extern "C" ForwardedResult<#name> name(VORN_WORDS_##words);
 #include "routines/cpu/forwarded_routines.inc"
 #undef FORWARDED
+#define LOGGED(name, words, ...) extern "C" void name(VORN_WORDS_##words);
+#include "routines/cpu/logged_routines.inc"
+#undef LOGGED
 #define ROUTED(base, Root, words, gpuFunction) extern "C" void base(VORN_WORDS_##words);
 #include "routines/routed/routed_routines.inc"
 #undef ROUTED

@@ -81,11 +81,14 @@ int main(int argc, char** argv) {
     for (const char* name : routine_classes::crossoversWithoutRoutine) routed.erase(name);
     if (!checkPartition(routed)) return 1;
 
-    // What stands: the forwarded routines and the routed routines that have landed.
+    // What stands: the forwarded and logged routines and the routed routines that have landed.
     std::vector<Exported> exported = {
 #define FORWARDED(name, words, info) {#name, words},
 #include "routines/cpu/forwarded_routines.inc"
 #undef FORWARDED
+#define LOGGED(name, words, ...) {#name, words},
+#include "routines/cpu/logged_routines.inc"
+#undef LOGGED
 #define ROUTED(base, Root, words, gpuFunction) {#base, words},
 #include "routines/routed/routed_routines.inc"
 #undef ROUTED

@@ -228,7 +228,7 @@ typename Routine::Exported cpuFrame(void* const* words) {
 #define FORWARDED(name, words, info) CPU_ROUTINE(name, words)
 #include "routines/cpu/forwarded_routines.inc"
 #undef FORWARDED
-#define LOGGED(name, words) CPU_ROUTINE(name, words)
+#define LOGGED(name, words, ...) CPU_ROUTINE(name, words)
 #include "routines/cpu/logged_routines.inc"
 #undef LOGGED
 #define ROUTED_WORDS(name, words) CPU_ROUTINE(name, words)

@@ -19,13 +19,16 @@
 
 namespace {
 
-// The routines that stand: the forwarded ones and the routed ones.
+// The routines that stand: the forwarded, logged and routed ones.
 std::vector<RoutineFacts> standingRoutines() {
     std::vector<RoutineFacts> routines = forwardedTable();
     auto add = [&](const char* name, int words) {
         RoutineFacts& routine = routines.emplace_back();
         routine.name = name, routine.words = words;
     };
+#define LOGGED(name, count, ...) add(#name, count);
+#include "routines/cpu/logged_routines.inc"
+#undef LOGGED
 #define ROUTED(base, Root, count, gpuFunction) add(#base, count);
 #include "routines/routed/routed_routines.inc"
 #undef ROUTED

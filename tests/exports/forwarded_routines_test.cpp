@@ -3,6 +3,9 @@
 // (the words it receives, the log's lines, info, work queries, function results)
 // and over a CPU library that cannot be reached (nothing touched, results of 0).
 #include <map>
+#include <regex>
+#include <set>
+#include <sstream>
 
 #include "exports_test.h"
 #include "recording_forwarded_cpu.h"
@@ -211,3 +214,170 @@ INSTANTIATE_TEST_SUITE_P(Scenarios, UnreachedCpuRoutine,
                                          Unreached{"MissingSymbols", libraryWithoutLapack, true},
                                          Unreached{"MissingSymbolsQuietly", libraryWithoutLapack, false}),
                          [](const auto& info) { return std::string(info.param.name); });
+
+// The logged CPU-only routines, held against their entry formats as the design
+// gives them: the routines of a row, their word count and the conversions their
+// entry line prints from word 1 on. Twelve have info as their last word.
+namespace {
+struct LoggedRow {
+    const char* names;
+    int words;
+    const char* conversions;
+};
+const LoggedRow loggedRows[] = {
+    {"zcposv", 14, "%c, %d, %d, %p, %d, %p, %d, %p, %d, %p"},
+    {"cgemv zgemv", 11, "%c, %d, %d, (%f,%f), %p, %d, %p, %d, (%f,%f), %p, %d"},
+    {"sgemv dgemv", 11, "%c, %d, %d, %f, %p, %d, %p, %d, %f, %p, %d"},
+    {"slacpy dlacpy clacpy zlacpy", 7, "%c, %d, %d, %p, %d, %p, %d"},
+    {"zlag2c slag2d dlag2s clag2z", 7, "%d, %d, %p, %d, %p, %d"},
+    {"slar2v dlar2v clar2v zlar2v", 8, "%d, %p, %p, %p, %d, %p, %p, %d"},
+    {"slarfb dlarfb clarfb zlarfb", 15, "%c, %c, %c, %c, %d, %d, %d, %p, %d, %p, %d, %p, %d"},
+    {"slarfg dlarfg clarfg zlarfg", 5, "%d, %p, %p, %d, %p"},
+    {"slargv dlargv clargv zlargv", 7, "%d, %p, %d, %p, %d, %p, %d"},
+    {"slartv dlartv clartv zlartv", 8, "%d, %p, %d, %p, %d, %p, %p, %d"},
+    {"slascl dlascl clascl zlascl", 10, "%c, %d, %d, %f, %f, %d, %d, %p, %d"},
+    {"claset zlaset", 7, "%c, %d, %d, (%f,%f), (%f,%f), %p, %d"},
+    {"slaset dlaset", 7, "%c, %d, %d, %f, %f, %p, %d"},
+    {"slasr dlasr clasr zlasr", 9, "%c, %c, %c, %d, %d, %p, %p, %p, %d"},
+    {"zlat2c dlat2s", 7, "%c, %d, %p, %d, %p, %d"},
+    {"dsposv", 13, "%c, %d, %d, %p, %d, %p, %d, %p, %d, %p"},
+};
+const std::set<std::string> loggedWithInfo = {"clag2z", "dlag2s", "slag2d", "zlag2c", "dlat2s", "zlat2c",
+                                              "clascl", "dlascl", "slascl", "zlascl", "dsposv", "zcposv"};
+
+struct LoggedCall {
+    std::string name, entry;
+    int words;
+    bool info;
+    std::vector<std::array<unsigned char, 16>> cells;
+    std::vector<void*> pointers;
+};
+
+// One call of each logged routine. Each printed word's cell holds a value of its
+// conversion's type (a letter, an integer, a real or complex of the routine's
+// precision), so the expected line can be formatted from the same cells; info
+// holds a pattern in both halves.
+std::vector<LoggedCall> loggedCalls() {
+    std::vector<LoggedCall> calls;
+    for (const LoggedRow& row : loggedRows) {
+        std::istringstream names(row.names);
+        for (std::string name; names >> name;) {
+            LoggedCall& call = calls.emplace_back();
+            call.name = name, call.words = row.words, call.info = loggedWithInfo.count(name) > 0;
+            call.cells.resize(row.words);
+            for (auto& cell : call.cells) cell.fill(0xA5);
+            for (auto& cell : call.cells) call.pointers.push_back(cell.data());
+            const bool single = name[0] == 's' || name[0] == 'c';
+            auto real = [&](unsigned char* at, double value) -> std::string {
+                if (single) {
+                    const float f = static_cast<float>(value);
+                    std::memcpy(at, &f, 4);
+                } else {
+                    std::memcpy(at, &value, 8);
+                }
+                char text[64];
+                std::snprintf(text, sizeof text, "%f", value);
+                return text;
+            };
+            std::string entry = "vorn info:  " + name + " (", separator;
+            const std::string list = row.conversions;
+            const std::regex conversion(R"(\(%f,%f\)|%[cdpf])");
+            int word = 0;
+            for (auto it = std::sregex_iterator(list.begin(), list.end(), conversion); it != std::sregex_iterator();
+                 ++it, ++word) {
+                unsigned char* at = call.cells[word].data();
+                char text[128];
+                if (it->str() == "%c") {
+                    at[0] = static_cast<unsigned char>('A' + word);
+                    std::snprintf(text, sizeof text, "%c", at[0]);
+                } else if (it->str() == "%d") {
+                    const int32_t value = 100 * word - 250;
+                    std::memcpy(at, &value, 4);
+                    std::snprintf(text, sizeof text, "%d", value);
+                } else if (it->str() == "%p") {
+                    std::snprintf(text, sizeof text, "%p", static_cast<void*>(at));
+                } else if (it->str() == "%f") {
+                    std::snprintf(text, sizeof text, "%s", real(at, word + 0.25).c_str());
+                } else {
+                    const std::string re = real(at, word + 0.25), im = real(at + (single ? 4 : 8), -word - 0.5);
+                    std::snprintf(text, sizeof text, "(%s,%s)", re.c_str(), im.c_str());
+                }
+                entry += separator + text;
+                separator = ", ";
+            }
+            call.entry = entry + ")";
+        }
+    }
+    return calls;
+}
+}  // namespace
+
+// Each logged routine prints its entry line (the very first call of a process
+// too), gives "excluded by user" whatever the routing settings, and hands its
+// words unchanged to the CPU routine, whose info it reports.
+TEST(LoggedRoutines, PrintTheirWordsAndReachTheirCpuRoutine) {
+    setEnv("VORN_CPU_LIB", RECORDING_CPU_PATH);
+    setEnv("VORN_VERBOSE", "1");
+    setEnv("VORN_CPU_ALWAYS", "1");
+    void* link = openLinkLibrary();
+    void* cpu = openLibrary(RECORDING_CPU_PATH);
+    ForwardedCpuRecord& record = *reinterpret_cast<RecordingForwardedCpu>(librarySymbol(cpu, "recordingForwardedCpu"))();
+    std::vector<LoggedCall> calls = loggedCalls();
+    ASSERT_EQ(calls.size(), 48u);
+    std::stable_partition(calls.begin(), calls.end(), [](const LoggedCall& c) { return c.name == "dgemv"; });
+    Findings findings;
+    OutputLines output;
+    for (std::size_t i = 0; i < calls.size(); ++i) {
+        LoggedCall& call = calls[i];
+        record.info = call.info ? (i % 2 ? -static_cast<int32_t>(i) - 1 : static_cast<int32_t>(i) + 1) : 0;
+        callRoutine(librarySymbol(link, call.name.c_str()), Result::none, call.pointers);
+        findings.expect(record.routine == call.name && record.wordCount == call.words &&
+                            std::equal(call.pointers.begin(), call.pointers.end(), record.words),
+                        call.name + ": words received");
+        std::vector<std::string> expected = {call.entry, "vorn info:  issuing to CPU (excluded by user)"};
+        if (call.info) expected.push_back("vorn info:  info returned as " + std::to_string(record.info));
+        expected.push_back("vorn info:  done");
+        auto lines = output.next();
+        if (i == 0) {  // the start-up's lines come first, and the CPU library's is issued after the reason
+            lines.erase(lines.begin(), std::find(lines.begin(), lines.end(), call.entry));
+            expected.insert(expected.begin() + 2, "vorn info:  CPU library is " RECORDING_CPU_PATH);
+        }
+        findings.expect(lines == expected, call.name + ": lines" + joined(lines));
+    }
+    output.finish();
+    findings.report();
+}
+
+// Where the CPU routine cannot be reached, info is 0 in both halves of an ILP64
+// caller's integer and nothing else is touched; after a failed GPU start-up the
+// reason is "vorn not available".
+class LoggedUnreached : public testing::TestWithParam<const char*> {};
+TEST_P(LoggedUnreached, LeavesInfoZeroAndTouchesNothingElse) {
+    const bool missingLibrary = std::string(GetParam()) != libraryWithoutLapack;
+    setEnv("VORN_CPU_LIB", GetParam());
+    setEnv("VORN_VERBOSE", "1");
+    setEnv("VORN_ILP64", "1");
+    setEnv("VORN_EMU_INIT_STATUS", "1");
+    void* link = openLinkLibrary();
+    Findings findings;
+    OutputLines output;
+    for (LoggedCall& call : loggedCalls()) {
+        auto expectedCells = call.cells;
+        if (call.info) std::fill(expectedCells.back().begin(), expectedCells.back().begin() + 8, 0);
+        callRoutine(librarySymbol(link, call.name.c_str()), Result::none, call.pointers);
+        findings.expect(call.cells == expectedCells, call.name + ": memory");
+        auto lines = output.next();
+        // The first call's start-up lines come before its entry line.
+        lines.erase(lines.begin(), std::find(lines.begin(), lines.end(), call.entry));
+        const std::string reached =
+            missingLibrary ? "vorn error: " : "vorn error: Failed to read symbol '" + call.name + "' from '" + GetParam() + "'";
+        findings.expect(lines.size() >= 3 && lines[0] == call.entry &&
+                            lines[1] == "vorn info:  issuing to CPU (vorn not available)" &&
+                            lines.back().starts_with(reached) && lines.back() != "vorn info:  done",
+                        call.name + ": lines" + joined(lines));
+    }
+    output.finish();
+    findings.report();
+}
+INSTANTIATE_TEST_SUITE_P(CpuLibrary, LoggedUnreached, testing::Values("libvorn-no-such-library.so", libraryWithoutLapack),
+                         [](const auto& info) { return std::string(info.index == 0 ? "Missing" : "WithoutSymbols"); });

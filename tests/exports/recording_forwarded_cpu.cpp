@@ -47,3 +47,11 @@ static ForwardedResult<Name> answer(void* const* words) {
         return answer<#name, words, info>(passed);                           \
     }
 #include "routines/cpu/forwarded_routines.inc"
+
+// The logged CPU-only routines too: they have no result and no work query.
+#define LOGGED(name, words, Printed, info)                      \
+    extern "C" VORN_EXPORT void name(VORN_WORDS_##words) {      \
+        void* const passed[] = {VORN_ARGS_##words};             \
+        answer<#name, words, info>(passed);                     \
+    }
+#include "routines/cpu/logged_routines.inc"

@@ -1,5 +1,5 @@
-// A CPU library for the forwarded routines' tests: it exports every forwarded
-// routine's lower-case name in the word convention, records the words of each
+// A CPU library for the forwarded and logged routines' tests: it exports every one
+// of their lower-case names in the word convention, records the words of each
 // call and leaves behind what the test asked for.
 #pragma once
 

@@ -383,3 +383,60 @@ TEST(LuMultiplyFamilies, MeasuresTakeTheirOperandsAndWrapWhere32Bit) {
         EXPECT_EQ(readLines(log).at(before + 1), c.issuing) << c.base;
     }
 }
+
+// The logged CPU-only routines whose results users rely on most give OpenBLAS's
+// bits, with their entry lines and the reason they always run on the CPU.
+TEST(LoggedRoutines, GiveOpenBlasResults) {
+    const std::string log = tempPath("logged.log");
+    setEnv("VORN_DEBUG_LOG", log);
+    setEnv("VORN_GPU_ALWAYS", "1");  // not looked at: these never reach the GPU
+    const int m = 5, n = 4, lda = 8, one = 1, lower = 2, upper = 1;
+    const double alpha = 1.5, beta = -0.5, from = 4, to = 3;
+    const char trans = 'T', uplo = 'L', type = 'G';
+    std::vector<double> a(lda * n), x(m), y(n, 0.25);
+    auto text = [](const char* format, auto... values) {
+        char line[256];
+        std::snprintf(line, sizeof line, format, values...);
+        return std::string(line);
+    };
+    for (std::size_t i = 0; i < a.size(); ++i) a[i] = std::sin(double(i) + 1);
+    for (int i = 0; i < m; ++i) x[i] = std::cos(double(i));
+    struct Case {
+        const char* base;
+        std::vector<void*> words;
+        std::size_t outputWord;  // 1-based
+        std::string entry;
+    };
+    // Each case runs on copies of the arrays, once per side of the comparison.
+    std::map<std::string, std::vector<double>> results;
+    for (const bool linked : {true, false}) {
+        auto copyA = a, copyB = std::vector<double>(lda * n, -7.0), copyY = y;
+        int info = -99;
+        const std::vector<Case> cases = {
+            {"dgemv", {(void*)&trans, (void*)&m, (void*)&n, (void*)&alpha, copyA.data(), (void*)&lda, x.data(),
+                       (void*)&one, (void*)&beta, copyY.data(), (void*)&one}, 10,
+             text("dgemv (T, 5, 4, 1.500000, %p, 8, %p, 1, -0.500000, %p, 1)", (void*)copyA.data(),
+                  (void*)x.data(), (void*)copyY.data())},
+            {"dlacpy", {(void*)&uplo, (void*)&m, (void*)&n, copyA.data(), (void*)&lda, copyB.data(), (void*)&lda},
+             6, text("dlacpy (L, 5, 4, %p, 8, %p, 8)", (void*)copyA.data(), (void*)copyB.data())},
+            {"dlascl", {(void*)&type, (void*)&lower, (void*)&upper, (void*)&from, (void*)&to, (void*)&m, (void*)&n,
+                        copyA.data(), (void*)&lda, &info}, 8,
+             text("dlascl (G, 2, 1, 4.000000, 3.000000, 5, 4, %p, 8)", (void*)copyA.data())},
+        };
+        for (const Case& c : cases) {
+            callWords(linked ? linkRoutine(c.base) : referenceRoutine(c.base), c.words,
+                      std::make_index_sequence<17>{});
+            const double* out = static_cast<const double*>(c.words[c.outputWord - 1]);
+            const std::vector<double> values(out, out + (c.outputWord == 10 ? n : lda * n));
+            if (linked) {
+                results[c.base] = values;
+                EXPECT_THAT(readLines(log), testing::IsSupersetOf({"vorn info:  " + c.entry}));
+            } else {
+                EXPECT_EQ(results[c.base], values) << c.base;
+            }
+        }
+        EXPECT_EQ(info, 0);
+    }
+    const auto lines = readLines(log);
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), std::string("vorn info:  issuing to CPU (excluded by user)")), 3);
+}

@@ -1,0 +1,56 @@
+// The frame of the logged CPU-only routines: the CPU path of the routed frame with
+// the route settled in advance. The routine prints its arguments, clears its info,
+// gives the reason "excluded by user" (or "vorn not available" when the GPU
+// library did not start) and runs on the CPU library. It reads no crossover and no
+// routing flag, and never calls the GPU library.
+#pragma once
+
+#include <cstdint>
+#include <utility>
+
+#include "core/link_state.h"
+#include "core/startup.h"
+#include "ilp64/int_width.h"
+#include "routing/call_words.h"
+#include "routing/entry_line.h"
+#include "routing/fixed_string.h"
+#include "routing/issue_reason.h"
+
+template <FixedString Name, int Words, class Printed, bool HasInfo>
+struct LoggedRoutine {
+    static constexpr FixedString name = Name;
+    static constexpr int wordCount = Words;
+    static constexpr bool hasInfo = HasInfo;  // info is the last word
+    using Entry = EntryLine<Name, Printed>;
+    static inline constinit CpuSlot cpuSlot{};
+};
+
+// iter, the mixed-precision solvers' integer output besides info: its high half
+// is cleared in ILP64 mode, after info's.
+template <FixedString Name> inline constexpr int iterWord = 0;
+template <> inline constexpr int iterWord<"dsposv"> = 12;
+template <> inline constexpr int iterWord<"zcposv"> = 13;
+
+// Inlined into each routine's implementation, like the other frames.
+template <class Routine>
+[[gnu::always_inline]] inline void loggedFrame(CallWords words) {
+    // Start-up first, so that the very first call of a process keeps its entry line.
+    linkInitGpu();
+    if (linkState.verbose) Routine::Entry::write(words);
+    void* info = nullptr;
+    if constexpr (Routine::hasInfo) {
+        info = words.pointer(Routine::wordCount);
+        linkStoreInteger(info, 0);
+    }
+    if (linkState.verbose) linkLogIssue(linkState.gpuUnavailable ? ReasonGpuUnavailable : ReasonExcluded);
+
+    if (!linkInitCpu()) return;
+    void* function = linkCpuFunction(Routine::cpuSlot, Routine::name.c_str());
+    if (function == nullptr) return;
+
+    callCpuWords<void>(function, words, std::make_index_sequence<Routine::wordCount>{});
+
+    if constexpr (Routine::hasInfo) linkLogInfoReturned(linkTakeInteger(info));
+    if constexpr (constexpr int iter = iterWord<Routine::name>) linkClearHighHalf(words.pointer(iter));
+    if (linkState.verbose) linkWriteLine("vorn info:  done\n");
+}
