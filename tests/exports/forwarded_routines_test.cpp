@@ -314,11 +314,13 @@ std::vector<LoggedCall> loggedCalls() {
 
 // Each logged routine prints its entry line (the very first call of a process
 // too), gives "excluded by user" whatever the routing settings, and hands its
-// words unchanged to the CPU routine, whose info it reports.
+// words unchanged to the CPU routine, whose info it reports. For an ILP64 caller
+// the high halves of info and of the mixed-precision solvers' iter are cleared.
 TEST(LoggedRoutines, PrintTheirWordsAndReachTheirCpuRoutine) {
     setEnv("VORN_CPU_LIB", RECORDING_CPU_PATH);
     setEnv("VORN_VERBOSE", "1");
     setEnv("VORN_CPU_ALWAYS", "1");
+    setEnv("VORN_ILP64", "1");
     void* link = openLinkLibrary();
     void* cpu = openLibrary(RECORDING_CPU_PATH);
     ForwardedCpuRecord& record = *reinterpret_cast<RecordingForwardedCpu>(librarySymbol(cpu, "recordingForwardedCpu"))();
@@ -334,6 +336,14 @@ TEST(LoggedRoutines, PrintTheirWordsAndReachTheirCpuRoutine) {
         findings.expect(record.routine == call.name && record.wordCount == call.words &&
                             std::equal(call.pointers.begin(), call.pointers.end(), record.words),
                         call.name + ": words received");
+        auto cleared = [&](int word, bool lowWritten) {
+            const auto& cell = call.cells[word - 1];
+            const bool low = !lowWritten || std::memcmp(cell.data(), &record.info, 4) == 0;
+            return low && std::all_of(cell.begin() + 4, cell.begin() + 8, [](auto c) { return c == 0; });
+        };
+        if (call.info) findings.expect(cleared(call.words, true), call.name + ": info");
+        if (call.name == "dsposv" || call.name == "zcposv")
+            findings.expect(cleared(call.words - 1, false), call.name + ": iter");
         std::vector<std::string> expected = {call.entry, "vorn info:  issuing to CPU (excluded by user)"};
         if (call.info) expected.push_back("vorn info:  info returned as " + std::to_string(record.info));
         expected.push_back("vorn info:  done");
