@@ -104,11 +104,10 @@ add_dependencies(crossover_list_tests spotrf_cpu)
 vorn_copy_beside(crossover_list_tests vorn_emulator)
 
 # The link library as an application sees it: start-up, the log, the CPU library's
-# binding, spotrf through the routed frame and the control calls, over the
+# binding and the control calls, over the
 # emulator and lapackcpu.dll.
 vorn_add_process_tests(link_startup_tests link/startup_test.cpp)
 vorn_add_process_tests(link_cpu_binding_tests link/cpu_binding_test.cpp)
-vorn_add_process_tests(link_spotrf_tests link/spotrf_test.cpp)
 vorn_add_process_tests(link_control_calls_tests link/control_calls_test.cpp)
 # The program that the start-up tests run to watch a process exit.
 add_executable(link_exit_child link/exit_child.cpp)
@@ -116,7 +115,7 @@ target_link_libraries(link_exit_child PRIVATE vorn_lapack_link)
 target_link_options(link_exit_child PRIVATE -static)
 vorn_copy_beside(link_exit_child vorn_lapack_link vorn_emulator)
 vorn_windows_path(exit_child_path $<TARGET_FILE:link_exit_child>)
-foreach(target link_startup_tests link_cpu_binding_tests link_spotrf_tests link_control_calls_tests)
+foreach(target link_startup_tests link_cpu_binding_tests link_control_calls_tests)
   target_link_libraries(${target} PRIVATE vorn_lapack_link)
   add_dependencies(${target} spotrf_cpu link_exit_child)
   target_compile_definitions(${target} PRIVATE VORN_TEST_LAPACKCPU="${spotrf_cpu_path}"
