@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds the Windows tests (tests/windows/tests.cmake) with MinGW-w64 and runs them
+# Builds the Windows tests (tests/CMakeLists.txt) with MinGW-w64 and runs them
 # through ctest under Wine, in a fresh Wine prefix of its own that is removed
 # afterwards. Installs what is missing. Exits with ctest's status.
 # The build folder is build-win-tests beside the sources, or VORN_WINDOWS_TEST_BUILD_DIR.

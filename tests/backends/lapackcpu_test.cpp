@@ -15,8 +15,6 @@
 
 // OpenBLAS, linked into this program, with gfortran's hidden lengths.
 extern "C" {
-void spotrf_(const char* uplo, const int* n, float* a, const int* lda, int* info, std::size_t);
-void dpotrf_(const char* uplo, const int* n, double* a, const int* lda, int* info, std::size_t);
 void dgesvd_(const char* jobu, const char* jobvt, const int* m, const int* n, double* a, const int* lda,
              double* s, double* u, const int* ldu, double* vt, const int* ldvt, double* work, const int* lwork,
              int* info, std::size_t, std::size_t);
@@ -110,38 +108,6 @@ TEST(LapackCpuAdapter, DgesvdStaysInsideItsOwnOpenBlas) {
     EXPECT_TRUE(sameBits(viaAdapter.u, direct.u));
     EXPECT_TRUE(sameBits(viaAdapter.vt, direct.vt));
     EXPECT_TRUE(sameBits(viaAdapter.a, direct.a));
-}
-
-TEST(LapackCpuAdapter, PotrfTakesUploAsOpenBlasDoes) {
-    void* adapter = openAdapter();
-    const auto adapterSpotrf = routine<Potrf>(adapter, "spotrf");
-    const auto adapterDpotrf = routine<Potrf>(adapter, "dpotrf");
-    int n = 5, lda = 7;
-    for (char uplo : {'U', 'L'}) {
-        SCOPED_TRACE(uplo);
-        auto single = spdMatrix<float>(n, lda), singleReference = single;
-        int info = -99, referenceInfo = -99;
-        adapterSpotrf(&uplo, &n, single.data(), &lda, &info);
-        spotrf_(&uplo, &n, singleReference.data(), &lda, &referenceInfo, 1);
-        EXPECT_EQ(info, 0);
-        EXPECT_EQ(referenceInfo, 0);
-        EXPECT_TRUE(sameBits(single, singleReference));
-
-        auto twice = spdMatrix<double>(n, lda), twiceReference = twice;
-        info = referenceInfo = -99;
-        adapterDpotrf(&uplo, &n, twice.data(), &lda, &info);
-        dpotrf_(&uplo, &n, twiceReference.data(), &lda, &referenceInfo, 1);
-        EXPECT_EQ(info, 0);
-        EXPECT_EQ(referenceInfo, 0);
-        EXPECT_TRUE(sameBits(twice, twiceReference));
-    }
-    // The two triangles differ: a swapped or ignored uplo would not pass above.
-    auto upper = spdMatrix<float>(n, lda), lower = upper;
-    char u = 'U', l = 'L';
-    int info = -99;
-    adapterSpotrf(&u, &n, upper.data(), &lda, &info);
-    adapterSpotrf(&l, &n, lower.data(), &lda, &info);
-    EXPECT_FALSE(sameBits(upper, lower));
 }
 
 TEST(LapackCpuAdapter, IllegalArgumentReachesStandardOutput) {

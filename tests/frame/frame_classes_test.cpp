@@ -1,7 +1,8 @@
 // The routed frame for rows of class A (no info) and class C (info and a work
 // query), over a fake GPU library defined here and the recording CPU library:
-// the route of each call, the GPU statuses and the retry, work queries, the
-// failure exits, info in ILP64 mode, and the exact log lines of each.
+// the GPU statuses and info, work queries, the failure exits, info in ILP64
+// mode, and the exact log lines of each. The routing of each routine, its
+// measure and its results are the family tests' (tests/link).
 #include <cstdint>
 #include <cstdio>
 #include <gtest/gtest.h>
@@ -46,24 +47,18 @@ int gpuCall(const char* format, T... values) {
     gpu.args = text(format, values...);
     return ++gpu.calls, gpu.status;
 }
-using Z = vornDoubleComplex;
 int fakeDgemm(char ta, char tb, int m, int n, int k, double al, double* a, int lda, double* b, int ldb, double be,
               double* c, int ldc) {
     return gpuCall("%c %c %d %d %d %g %p %d %p %d %g %p %d", ta, tb, m, n, k, al, a, lda, b, ldb, be, c, ldc);
-}
-int fakeZgemm(char ta, char tb, int m, int n, int k, Z al, Z* a, int lda, Z* b, int ldb, Z be, Z* c, int ldc) {
-    return gpuCall("%c %c %d %d %d (%g,%g) %p %d %p %d (%g,%g) %p %d", ta, tb, m, n, k, al.re, al.im, a, lda, b,
-                   ldb, be.re, be.im, c, ldc);
 }
 int fakeDgetri(int n, double* a, int lda, int* ipiv) { return gpuCall("%d %p %d %p", n, a, lda, ipiv); }
 int fakeSsyevd(char jobz, char uplo, int n, float* a, int lda, float* w) {
     return gpuCall("%c %c %d %p %d %p", jobz, uplo, n, a, lda, w);
 }
 
-// Rows: gemm (class A, a double measure, a real or a complex scalar) and getri
-// (class C, one real work line) as the families define them, and a row shaped
-// like syevd, with a real and an integer work line.
-// syevd: 11 words, class C, a real and an integer work line.
+// Rows: gemm (class A) and getri (class C, one real work line) as the families
+// define them, and a row shaped like syevd: 11 words, class C, a real and an
+// integer work line.
 struct syevdShape {
     enum : int { jobz = 1, uplo, n, a, lda, w, work, lwork, iwork, liwork, info, wordCount = info };
     static constexpr FrameClass frameClass = FrameClass::C;
@@ -73,7 +68,6 @@ struct syevdShape {
 };
 
 using Dgemm = RoutedRoutine<"dfakegemm", gemm<Real>, fakeDgemm, &CrossoverTable::spotrf>;
-using Zgemm = RoutedRoutine<"zfakegemm", gemm<Cplx>, fakeZgemm, &CrossoverTable::spotrf>;
 using Dgetri = RoutedRoutine<"dfakegetri", getri, fakeDgetri, &CrossoverTable::spotrf>;
 using Ssyevd = RoutedRoutine<"sfakesyevd", syevdShape, fakeSsyevd, &CrossoverTable::spotrf>;
 // A row whose name the CPU library does not export.
@@ -90,12 +84,11 @@ uint32_t high(int64_t v) { return static_cast<uint32_t>(static_cast<uint64_t>(v)
 struct GemmCall {
     int64_t m, n, k, lda = 2, ldb = 3, ldc = 4;
     char transa = 'N', transb = 'T';
-    double alpha[2] = {1.5, -2.25}, beta[2] = {0.5, 1}, a[4]{}, b[4]{}, c[4]{};
-    Words words() { return {&transa, &transb, &m, &n, &k, alpha, a, &lda, b, &ldb, beta, c, &ldc}; }
-    std::string entry(const char* name, bool complex) {
-        auto scalar = [&](double* s) { return complex ? text("(%f,%f)", s[0], s[1]) : text("%f", s[0]); };
-        return text("vorn info:  %s (N, T, %d, %d, %d, %s, %p, 2, %p, 3, %s, %p, 4)", name, low(m), low(n), low(k),
-                    scalar(alpha).c_str(), a, b, scalar(beta).c_str(), c);
+    double alpha = 1.5, beta = 0.5, a[4]{}, b[4]{}, c[4]{};
+    Words words() { return {&transa, &transb, &m, &n, &k, &alpha, a, &lda, b, &ldb, &beta, c, &ldc}; }
+    std::string entry() {
+        return text("vorn info:  dfakegemm (N, T, %d, %d, %d, 1.500000, %p, 2, %p, 3, 0.500000, %p, 4)", low(m),
+                    low(n), low(k), a, b, c);
     }
 };
 struct GetriCall {
@@ -157,101 +150,6 @@ Lines retried(int status) {
 }
 
 }  // namespace
-
-// Class A: status 0 ends on the GPU; every other status, 7 and 8 included, is a
-// failure that reruns the call on the CPU with exactly the caller's words. No pass
-// prints an info line. 65536^3 is over the crossover, where a 32-bit product
-// would have wrapped to 0.
-TEST(FrameClassA, EveryNonZeroStatusRetriesOnTheCpu) {
-    Log log;
-    EXPECT_EQ(startUp(log), Lines{"vorn info:  CPU library is " RECORDING_CPU_PATH});
-    struct Case {
-        bool complex;
-        int status;
-    };
-    for (const Case c :
-         {Case{false, 0}, Case{false, 7}, Case{false, 8}, Case{false, 4}, Case{true, 0}, Case{true, 8}}) {
-        SCOPED_TRACE(text("complex %d status %d", c.complex, c.status));
-        GemmCall call{65536, 65536, 65536};
-        gpu.calls = cpu.calls = 0;
-        gpu.status = c.status;
-        c.complex ? run<Zgemm>(call) : run<Dgemm>(call);
-        const char* name = c.complex ? "zfakegemm" : "dfakegemm";
-        const Lines retry = c.status != 0 ? retried(c.status) : Lines{};
-        const Lines head{call.entry(name, c.complex), issuing + "GPU (over threshold)"};
-        EXPECT_EQ(log.next(), head + retry + Lines{done});
-        EXPECT_EQ(gpu.calls, 1);
-        const char* scalars = c.complex ? "(1.5,-2.25) %p 2 %p 3 (0.5,1)" : "1.5 %p 2 %p 3 0.5";
-        EXPECT_EQ(gpu.args, text(("N T 65536 65536 65536 " + std::string(scalars) + " %p 4").c_str(), call.a,
-                                 call.b, call.c));
-        EXPECT_EQ(cpu.calls, c.status != 0);
-        if (c.status != 0) {
-            EXPECT_STREQ(cpu.routine, name);
-            EXPECT_EQ(cpuWords(), call.words());
-        }
-    }
-}
-
-// The gemm measure is a double: no wrap in 32 bits, the crossover compared as a
-// double, and a measure equal to the crossover is over it.
-TEST(FrameClassA, MeasureIsADoubleProductAndEqualIsOver) {
-    Log log;
-    startUp(log);
-    struct Case {
-        int64_t m, n, k;
-        int32_t crossover;
-        bool over;
-    };
-    const Case cases[] = {{32, 32, 1, 1024, true},           {1023, 1, 1, 1024, false},
-                          {0, 7, 7, 1024, false},            {0, 7, 7, 0, true},
-                          {65536, 32768, 1, INT32_MAX, true}, {65535, 32768, 1, INT32_MAX, false}};
-    for (const Case& c : cases) {
-        SCOPED_TRACE(text("%d x %d x %d against %d", low(c.m), low(c.n), low(c.k), c.crossover));
-        crossoverTable.spotrf = c.crossover;
-        GemmCall call{c.m, c.n, c.k};
-        gpu.calls = cpu.calls = 0;
-        gpu.status = 0;
-        run<Dgemm>(call);
-        const std::string reason = c.over ? "GPU (over threshold)" : "CPU (under threshold)";
-        EXPECT_EQ(log.next(), (Lines{call.entry("dfakegemm", false), issuing + reason, done}));
-        EXPECT_EQ(gpu.calls, c.over);
-        EXPECT_EQ(cpu.calls, !c.over);
-    }
-}
-
-// The settings that decide before the measure: a crossover of -1 beats both
-// always-settings, and CPU-always beats GPU-always. An lwork that is not -1 prints
-// no work line although the CPU routine wrote work[0].
-TEST(FrameRoute, ExclusionAndAlwaysSettings) {
-    Log log;
-    startUp(log);
-    struct Case {
-        int32_t cpuAlways, gpuAlways, crossover;
-        int64_t n;
-        const char* reason;
-    };
-    const Case cases[] = {{0, 1, 1024, 1, "GPU (configured to always choose GPU)"},
-                          {1, 0, 1024, 4096, "CPU (configured to always choose CPU)"},
-                          {1, 1, 1024, 4096, "CPU (configured to always choose CPU)"},
-                          {0, 0, -1, INT32_MAX, "CPU (excluded by user)"},
-                          {1, 0, -1, INT32_MAX, "CPU (excluded by user)"},
-                          {0, 1, -1, INT32_MAX, "CPU (excluded by user)"},
-                          {1, 1, -1, INT32_MAX, "CPU (excluded by user)"}};
-    for (const Case& c : cases) {
-        SCOPED_TRACE(text("cpuAlways %d gpuAlways %d crossover %d", c.cpuAlways, c.gpuAlways, c.crossover));
-        linkState.cpuAlways = c.cpuAlways;
-        linkState.gpuAlways = c.gpuAlways;
-        crossoverTable.spotrf = c.crossover;
-        GetriCall call{c.n, 10};
-        gpu.calls = 0;
-        gpu.status = cpu.info = 0;
-        cpu.work = 7.9;
-        run<Dgetri>(call);
-        EXPECT_EQ(log.next(), (Lines{call.entry(), issuing + c.reason, done}));
-        EXPECT_EQ(gpu.calls, c.reason[0] == 'G');
-        EXPECT_EQ(call.info, static_cast<int64_t>(0x7777777700000000));
-    }
-}
 
 // A work query (lwork of -1 and nothing else) goes to the CPU whatever the
 // settings, and reports info first, then each work array's first element in the
@@ -331,27 +229,6 @@ TEST(FrameClassC, GpuStatusesAndInfo) {
     }
 }
 
-// After vornInitialize failed, every call goes to the CPU as "vorn not available",
-// also with GPU-always set and for a work query; no GPU routine is called.
-TEST(FrameRoute, GpuUnavailable) {
-    Log log;
-    setEnv("VORN_GPU_ALWAYS", "1");
-    gpu.initStatus = 3;
-    EXPECT_EQ(startUp(log), (Lines{"vorn error: vornInitialize failed (fake failure 3)",
-                                   "vorn info:  forwarding all calls to CPU",
-                                   "vorn info:  CPU library is " RECORDING_CPU_PATH}));
-    GemmCall gemm{65536, 65536, 65536};
-    run<Dgemm>(gemm);
-    EXPECT_EQ(log.next(), (Lines{gemm.entry("dfakegemm", false), issuing + "CPU (vorn not available)", done}));
-    cpu.work = 7.9;
-    GetriCall query{4096, -1};
-    run<Dgetri>(query);
-    EXPECT_EQ(log.next(), (Lines{query.entry(), issuing + "CPU (vorn not available)",
-                                 "vorn info:  work query returned 7", done}));
-    EXPECT_EQ(gpu.calls, 0);
-    EXPECT_EQ(cpu.calls, 2);
-}
-
 // Exit F1, in ILP64 mode: without the CPU library the call returns with nothing
 // done, no "done" line and info 0 in both halves, also from the retry pass.
 TEST(FrameExit, MissingCpuLibrary) {
@@ -369,7 +246,7 @@ TEST(FrameExit, MissingCpuLibrary) {
     const std::string previous = "vorn error: a previous attempt at initialization failed, cannot continue";
     GemmCall gemm{1, 1, 1};
     run<Dgemm>(gemm);
-    EXPECT_EQ(log.next(), (Lines{gemm.entry("dfakegemm", false), issuing + "CPU (under threshold)", previous}));
+    EXPECT_EQ(log.next(), (Lines{gemm.entry(), issuing + "CPU (under threshold)", previous}));
     gpu.status = 4;
     GetriCall failed{4096, 10};
     run<Dgetri>(failed);

@@ -29,7 +29,6 @@ static void answer(void* info, void* work, void* iwork) {
 
 extern "C" {
 VORN_EXPORT void dfakegemm(VORN_WORDS_13) { remember("dfakegemm", {VORN_ARGS_13}); }
-VORN_EXPORT void zfakegemm(VORN_WORDS_13) { remember("zfakegemm", {VORN_ARGS_13}); }
 // getri's shape: n, a, lda, ipiv, work, lwork, info
 VORN_EXPORT void dfakegetri(VORN_WORDS_7) {
     remember("dfakegetri", {VORN_ARGS_7});

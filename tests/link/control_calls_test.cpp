@@ -99,54 +99,20 @@ INSTANTIATE_TEST_SUITE_P(
                                   under, underLine}),
     [](const auto& info) { return std::string(info.param.name); });
 
-// VORN_CPU_ALWAYS=1 holds until the clear call, which releases every later call
-// to the crossover; the setting is not read again.
-TEST(ControlCalls, ClearCpuAlwaysOverridesTheEnvironmentFromThenOn) {
+// A routine excluded by the list outranks gpuAlways: it stays on the CPU, whatever
+// its size.
+TEST(ControlCalls, ExcludedRoutineStaysOnTheCpuUnderGpuAlways) {
     const std::string log = useLogFile();
     const std::string record = useRecord();
-    setEnv("VORN_CPU_ALWAYS", "1");
-    Expected expected;
-    expected.spotrfCall(spotrfCrossover, cpuAlwaysLine, {cpuLibraryLine});
-    vornLinkClearCpuAlways();
-    expected.spotrfCall(spotrfCrossover, overLine);
-    expected.spotrfCall(under, underLine);
-    expected.spotrfCall(spotrfCrossover, overLine);
-    EXPECT_THAT(readLines(log), ElementsAreArray(expected.log));
-    EXPECT_THAT(readLines(record), ElementsAreArray(expected.record));
-}
-
-// A GPU library that failed to start and a routine excluded by the list outrank
-// gpuAlways: the routine stays on the CPU, whatever its size.
-struct OutrankCase {
-    const char* name;
-    const char* variable;
-    const char* value;
-    const char* issuing;
-    friend void PrintTo(const OutrankCase& c, std::ostream* out) { *out << c.name; }
-};
-class GpuAlwaysOutranked : public testing::TestWithParam<OutrankCase> {};
-TEST_P(GpuAlwaysOutranked, RoutineStaysOnTheCpu) {
-    const auto& c = GetParam();
-    const std::string log = useLogFile();
-    const std::string record = useRecord();
-    if (std::string(c.variable) == "VORN_CROSSOVER_LIST") {
-        useCrossoverList(c.value);
-    } else {
-        setEnv(c.variable, c.value);
-    }
+    useCrossoverList("spotrf=never\n");
     vornLinkSetGpuAlways();
     Expected expected;
-    expected.spotrfCall(under, c.issuing);
-    expected.spotrfCall(spotrfCrossover, c.issuing);
-    EXPECT_THAT(linesStartingWith(readLines(log), "vorn info:  issuing"), ElementsAre(c.issuing, c.issuing));
+    const char* excluded = "vorn info:  issuing to CPU (excluded by user)";
+    expected.spotrfCall(under, excluded, {cpuLibraryLine});
+    expected.spotrfCall(spotrfCrossover, excluded);
+    EXPECT_THAT(linesStartingWith(readLines(log), "vorn info:  issuing"), ElementsAre(excluded, excluded));
     EXPECT_THAT(readLines(record), ElementsAre("vornInitialize()"));
 }
-INSTANTIATE_TEST_SUITE_P(
-    ControlCalls, GpuAlwaysOutranked,
-    testing::Values(OutrankCase{"FailedStart", "VORN_EMU_INIT_STATUS", "1", "vorn info:  issuing to CPU (vorn not available)"},
-                    OutrankCase{"Excluded", "VORN_CROSSOVER_LIST", "spotrf=never\n",
-                                "vorn info:  issuing to CPU (excluded by user)"}),
-    [](const auto& info) { return std::string(info.param.name); });
 
 // Both flags set before the CPU library is bound: the first routine goes to the
 // CPU, whose binding reports the pair once and clears both; later calls follow

@@ -1,5 +1,5 @@
-// Binding of the CPU library: its name, the limits of VORN_CPU_LIB, a missing
-// library or symbol, and the clash of both "always" settings.
+// Binding of the CPU library: the limits of VORN_CPU_LIB, a missing library, and
+// a process that never needs it. (A missing symbol: the frame tests.)
 #include <algorithm>
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -43,16 +43,6 @@ std::string cpuLibraryPathOfLength(std::size_t length) {
 }
 
 }  // namespace
-
-TEST(CpuBinding, DefaultLibraryIsNamedOnTheLog) {
-    const std::string log = useLogFile();
-    int n = 3;
-    auto a = spdMatrix(n, n);
-    int info;
-    spotrf("L", &n, a.data(), &n, &info);
-    EXPECT_THAT(linesStartingWith(readLines(log), "vorn info:  CPU"),
-                ElementsAre(cpuLibraryLine));
-}
 
 TEST(CpuBinding, PathOf259CharactersReachesTheLoaderWhole) {
     const std::string path = cpuLibraryPathOfLength(259);
@@ -100,36 +90,6 @@ INSTANTIATE_TEST_SUITE_P(Names, MissingLibrary, testing::Values("libvorn-no-such
 #else
 INSTANTIATE_TEST_SUITE_P(Names, MissingLibrary, testing::Values("libvorn-no-such-library.so", ""));
 #endif
-
-TEST(CpuBinding, MissingSymbolFailsEveryCallOfThatRoutine) {
-    setEnv("VORN_CPU_LIB", libraryWithoutLapack);  // loads, but has no LAPACK
-    const std::string log = useLogFile();
-    EXPECT_EQ(unreachedCall(), 0);
-    EXPECT_EQ(unreachedCall(), 0);
-    const auto lines = readLines(log);
-    const std::string missing = std::string("vorn error: Failed to read symbol 'spotrf' from '") + libraryWithoutLapack + "'";
-    EXPECT_EQ(linesStartingWith(lines, missing).size(), 2u);
-    EXPECT_TRUE(linesStartingWith(lines, "vorn info:  done").empty());
-}
-
-TEST(CpuBinding, BothAlwaysSettingsAreDroppedAtTheFirstCpuSideCall) {
-    setEnv("VORN_CPU_ALWAYS", "1");
-    setEnv("VORN_GPU_ALWAYS", "1");
-    const std::string log = useLogFile();
-    for (int n : {1100, 1100, 4}) {
-        auto a = spdMatrix(n, n);
-        int info = -99;
-        spotrf("L", &n, a.data(), &n, &info);
-        EXPECT_EQ(info, 0);
-    }
-    const auto lines = readLines(log);
-    // The first call had already chosen the CPU; the later ones follow the crossover.
-    EXPECT_THAT(linesStartingWith(lines, "vorn info:  issuing"),
-                ElementsAre("vorn info:  issuing to CPU (configured to always choose CPU)",
-                            "vorn info:  issuing to GPU (over threshold)",
-                            "vorn info:  issuing to CPU (under threshold)"));
-    EXPECT_EQ(lines.at(2), "vorn error: both VORN_CPU_ALWAYS and VORN_GPU_ALWAYS are set; ignoring both");
-}
 
 TEST(CpuBinding, GpuOnlyProcessNeverBindsTheCpuLibrary) {
     setEnv("VORN_CPU_LIB", "libvorn-no-such-library.so");  // would be reported if tried

@@ -1,4 +1,5 @@
-// The LU and multiply families through the link library. One row per root holds
+// The routed families through the link library (spotrf, LU, multiply): a new
+// routine is one more row below. One row per root holds
 // the shape of its arguments as the routine tables give them: the kind of each
 // word in order, which words never reach the GPU library, the integers to pass,
 // and the measure. From the row the tests build the calls, the entry line and the
@@ -64,6 +65,7 @@ const std::vector<RootRow> rows = {
     {"trsm", "strsm dtrsm ctrsm ztrsm", "cccciiSpipi", "RLTN", {5, 4, 8, 8}, Measure::product, {0, 1}, 262144},
     {"symv", "ssymv dsymv", "ciSpipiSpi", "U", {6, 8, 1, 1}, Measure::word, {0}, 512},
     {"hemv", "chemv zhemv", "ciSpipiSpi", "L", {6, 8, 1, 1}, Measure::word, {0}, 512},
+    {"potrf", "spotrf", "cipio", "U", {6, 8}, Measure::word, {0}, 1024},
     {"getrf", "sgetrf dgetrf cgetrf zgetrf", "iipiIo", "", {6, 5, 8}, Measure::product, {0, 1}, 1048576},
     {"getrs", "sgetrs dgetrs cgetrs zgetrs", "ciipiIpio", "N", {6, 2, 8, 8}, Measure::word, {0}, 1024},
     {"getri", "sgetri dgetri cgetri zgetri", "ipiIXpXwo", "", {6, 8, 64}, Measure::word, {0}, 1024},

@@ -1,16 +1,18 @@
-// The crossover list file, read at start-up: each theme writes a list, starts the
-// library, and checks the log's exact lines, the table's entries and, through
-// spotrf, the routing that results. Each test is its own process.
+// The crossover list file: how its lines read (one table of lists, each applied
+// to the defaults with info lines on and off), and, each test its own process,
+// how the start-up reads it and what routing results, through spotrf.
 #include <cstring>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "core/link_state.h"
 #include "core/startup.h"
+#include "routing/crossover_list.h"
 #include "routing/crossover_table.h"
 #include "test_support.h"
 
 using testing::ElementsAre;
-using testing::ElementsAreArray;
+using Lines = std::vector<std::string>;
 
 extern "C" void spotrf(const char* uplo, const int* n, float* a, const int* lda, int* info);
 
@@ -18,20 +20,24 @@ namespace {
 
 const CrossoverTable defaults = crossoverTable;  // copied before any start-up
 
+std::string setting(const std::string& name, const std::string& value) {
+    return "vorn info:  setting crossover for " + name + " to '" + value + "'";
+}
+std::string invalid(const std::string& name, const std::string& value) {
+    return "vorn error: invalid crossover for '" + name + "' (" + value + ")";
+}
+std::string badLine(const std::string& text) { return "vorn error: invalid crossover specification: " + text; }
+
 // Writes the list, names it and the log in the environment, runs the start-up,
 // and gives the log's lines.
-std::vector<std::string> startWithList(const std::string& content, bool verbose = true) {
+Lines startWithList(const std::string& content) {
     const std::string list = tempPath("crossovers.txt");
     writeFile(list, content);
     setEnv("VORN_CROSSOVER_LIST", list);
     const std::string log = tempPath("vorn.log");
-    if (verbose) setEnv("VORN_DEBUG_LOG", log);
+    setEnv("VORN_DEBUG_LOG", log);
     setEnv("VORN_CPU_LIB", VORN_TEST_LAPACKCPU);
-#ifdef VORN_TEST_EMULATOR_CPU
-    // Where the emulator finds no CPU library of the default name (Windows, which
-    // has no CPU adapter yet), it computes through the one the test names.
-    setEnv("VORN_EMU_CPU_LIB", VORN_TEST_EMULATOR_CPU);
-#endif
+    setEnv("VORN_EMU_CPU_LIB", VORN_TEST_LAPACKCPU);
     linkInitGpu();
     return readLines(log);
 }
@@ -53,122 +59,85 @@ std::string spotrfIssuedFor(int n) {
 
 }  // namespace
 
-TEST(CrossoverList, NumbersAreReadAsStrtolReadsThem) {
-    const auto log = startWithList(
-        "sgemm=0x100\ndgemm=0100\ncgemm=12x\nzgemm=  +7\nsgetrf=4294967296\ndgetrf=-4294967296\n"
-        "cgetrf=0\nzgetrf=-1\nsgesv=abc\nspotrf=0x10\n");
-    EXPECT_THAT(log, ElementsAre(parsingLine(), "vorn info:  setting crossover for sgemm to '0x100'",
-                                 "vorn info:  setting crossover for dgemm to '0100'",
-                                 "vorn info:  setting crossover for cgemm to '12x'",
-                                 "vorn info:  setting crossover for zgemm to '  +7'",
-                                 "vorn info:  setting crossover for sgetrf to '4294967296'",
-                                 "vorn error: invalid crossover for 'dgetrf' (-4294967296)",
-                                 "vorn error: invalid crossover for 'cgetrf' (0)",
-                                 "vorn error: invalid crossover for 'zgetrf' (-1)",
-                                 "vorn error: invalid crossover for 'sgesv' (abc)",
-                                 "vorn info:  setting crossover for spotrf to '0x10'"));
-    EXPECT_EQ(crossoverTable.sgemm, 256);
-    EXPECT_EQ(crossoverTable.dgemm, 64);
-    EXPECT_EQ(crossoverTable.cgemm, 12);
-    EXPECT_EQ(crossoverTable.zgemm, 7);
-    EXPECT_EQ(crossoverTable.sgetrf, 2147483647);  // beyond 32 bits: the largest value
-    EXPECT_EQ(crossoverTable.dgetrf, defaults.dgetrf);
-    EXPECT_EQ(crossoverTable.cgetrf, defaults.cgetrf);
-    EXPECT_EQ(crossoverTable.zgetrf, defaults.zgetrf);
-    EXPECT_EQ(crossoverTable.sgesv, defaults.sgesv);
+// Each list applied to the defaults: the log's lines (with verbose off, only its
+// error lines) and the entries it leaves.
+TEST(CrossoverList, LinesReadAsTheListFileDefines) {
+    const std::string longName(300, 'x'), zeros(255 - 6, '0');  // "sgemm=" and 249 zeros fill 255 bytes
+    struct Case {
+        std::string content;
+        Lines lines;
+        std::vector<std::pair<int32_t CrossoverTable::*, int32_t>> entries;  // -2: the default
+    };
+    const Case cases[] = {
+        // Numbers as strtol reads them, clamped to 32 bits; 0 and below are invalid.
+        {"sgemm=0x100\ndgemm=0100\ncgemm=12x\nzgemm=  +7\nsgetrf=4294967296\ndgetrf=-4294967296\n"
+         "cgetrf=0\nzgetrf=-1\nsgesv=abc\n",
+         {setting("sgemm", "0x100"), setting("dgemm", "0100"), setting("cgemm", "12x"), setting("zgemm", "  +7"),
+          setting("sgetrf", "4294967296"), invalid("dgetrf", "-4294967296"), invalid("cgetrf", "0"),
+          invalid("zgetrf", "-1"), invalid("sgesv", "abc")},
+         {{&CrossoverTable::sgemm, 256}, {&CrossoverTable::dgemm, 64}, {&CrossoverTable::cgemm, 12},
+          {&CrossoverTable::zgemm, 7}, {&CrossoverTable::sgetrf, INT32_MAX}, {&CrossoverTable::dgetrf, -2},
+          {&CrossoverTable::cgetrf, -2}, {&CrossoverTable::zgetrf, -2}, {&CrossoverTable::sgesv, -2}}},
+        // "never" and every beginning of it exclude; nothing else does.
+        {"sgemm=\ndgemm=n\nzgemm=nev\nspotrf=never\ndgetrf=nevermore\ncgetrf=Never\nzgetrf=never \n",
+         {setting("sgemm", ""), setting("dgemm", "n"), setting("zgemm", "nev"), setting("spotrf", "never"),
+          invalid("dgetrf", "nevermore"), invalid("cgetrf", "Never"), invalid("zgetrf", "never ")},
+         {{&CrossoverTable::sgemm, -1}, {&CrossoverTable::dgemm, -1}, {&CrossoverTable::zgemm, -1},
+          {&CrossoverTable::spotrf, -1}, {&CrossoverTable::dgetrf, -2}}},
+        // Names compared whole and in their case; an unknown one passes silently,
+        // but a bad value is reported before the name is looked at.
+        {"SPOTRF=5\nspotrf = 5\n spotrf=5\nnosuchroutine=5\n# tuned values\nnosuchroutine=0\ncherdb=7\n",
+         {badLine("# tuned values"), invalid("nosuchroutine", "0"), setting("cherdb", "7")},
+         {{&CrossoverTable::spotrf, -2}, {&CrossoverTable::cherdb, 7}}},
+        // The first empty line ends the reading; an empty file or first line reads nothing.
+        {"spotrf=8\n\nsgemm=5\n", {setting("spotrf", "8")}, {{&CrossoverTable::sgemm, -2}}},
+        {"\nspotrf=8\n", {}, {{&CrossoverTable::spotrf, -2}}},
+        {"", {}, {}},
+        // Windows line ends read as newlines; a last line without one counts; a
+        // later line for the same name holds.
+        {"sgemm=5\r\ndgemm=6\nspotrf=never\r\nspotrf=9", {setting("sgemm", "5"), setting("dgemm", "6"),
+          setting("spotrf", "never"), setting("spotrf", "9")}, {{&CrossoverTable::sgemm, 5}, {&CrossoverTable::spotrf, 9}}},
+        // A line longer than 255 bytes is read in pieces of 255, each a line of its own.
+        {longName + "=5\nsgemm=" + zeros + "12\ndgemm=3\n",
+         {badLine(longName.substr(0, 255)), invalid("sgemm", zeros), badLine("12"), setting("dgemm", "3")},
+         {{&CrossoverTable::sgemm, -2}, {&CrossoverTable::dgemm, 3}}},
+    };
+    const std::string listPath = tempPath("list.txt"), logPath = tempPath("log.txt");
+    for (const Case& c : cases) {
+        for (int32_t verbose : {1, 0}) {
+            SCOPED_TRACE(c.content.substr(0, 40) + (verbose ? "" : " (verbose off)"));
+            crossoverTable = defaults;
+            writeFile(listPath, c.content);
+            FILE* list = std::fopen(listPath.c_str(), "r");
+            linkState.logStream = std::fopen(logPath.c_str(), "w");
+            linkState.verbose = verbose;
+            linkApplyCrossoverList(list);
+            std::fclose(list);
+            std::fclose(linkState.logStream);
+            Lines expected;
+            for (const auto& line : c.lines)
+                if (verbose || line.starts_with("vorn error")) expected.push_back(line);
+            EXPECT_EQ(readLines(logPath), expected);
+            for (const auto& [entry, value] : c.entries)
+                EXPECT_EQ(crossoverTable.*entry, value == -2 ? defaults.*entry : value);
+        }
+    }
+}
+
+// The start-up reads the list, also after a failed GPU start, and the routing
+// follows it: a measure equal to the crossover is over it.
+TEST(CrossoverList, StartUpReadsItAndRoutingFollows) {
+    EXPECT_THAT(startWithList("spotrf=16\n"), ElementsAre(parsingLine(), setting("spotrf", "16")));
     EXPECT_EQ(spotrfIssuedFor(15), "vorn info:  issuing to CPU (under threshold)");
     EXPECT_EQ(spotrfIssuedFor(16), "vorn info:  issuing to GPU (over threshold)");
 }
 
-TEST(CrossoverList, NeverAndItsBeginningsExclude) {
-    setEnv("VORN_GPU_ALWAYS", "1");  // an excluded routine stays on the CPU all the same
-    const auto log = startWithList(
-        "sgemm=\ndgemm=n\ncgemm=ne\nzgemm=nev\nsgetrf=neve\nspotrf=never\n"
-        "dgetrf=nevermore\ncgetrf=Never\nzgetrf=never \n");
-    EXPECT_THAT(log, ElementsAre(parsingLine(), "vorn info:  setting crossover for sgemm to ''",
-                                 "vorn info:  setting crossover for dgemm to 'n'",
-                                 "vorn info:  setting crossover for cgemm to 'ne'",
-                                 "vorn info:  setting crossover for zgemm to 'nev'",
-                                 "vorn info:  setting crossover for sgetrf to 'neve'",
-                                 "vorn info:  setting crossover for spotrf to 'never'",
-                                 "vorn error: invalid crossover for 'dgetrf' (nevermore)",
-                                 "vorn error: invalid crossover for 'cgetrf' (Never)",
-                                 "vorn error: invalid crossover for 'zgetrf' (never )"));
-    for (int32_t value : {crossoverTable.sgemm, crossoverTable.dgemm, crossoverTable.cgemm, crossoverTable.zgemm,
-                          crossoverTable.sgetrf, crossoverTable.spotrf})
-        EXPECT_EQ(value, -1);
-    EXPECT_EQ(crossoverTable.dgetrf, defaults.dgetrf);
-    EXPECT_EQ(spotrfIssuedFor(3000), "vorn info:  issuing to CPU (excluded by user)");
-}
-
-// Names are compared whole and in their case; one that is no entry passes without
-// a word, but a bad value is reported before the name is looked at.
-TEST(CrossoverList, UnknownNamesPassSilently) {
-    const auto log = startWithList(
-        "SPOTRF=5\nspotrf = 5\nspotrf =5\n spotrf=5\nnosuchroutine=5\n# tuned=5\n"
-        "# tuned values\nnosuchroutine=0\ncherdb=7\n");
-    EXPECT_THAT(log, ElementsAre(parsingLine(), "vorn error: invalid crossover specification: # tuned values",
-                                 "vorn error: invalid crossover for 'nosuchroutine' (0)",
-                                 "vorn info:  setting crossover for cherdb to '7'"));
-    EXPECT_EQ(crossoverTable.spotrf, defaults.spotrf);
-    EXPECT_EQ(crossoverTable.cherdb, 7);
-    EXPECT_EQ(spotrfIssuedFor(5), "vorn info:  issuing to CPU (under threshold)");
-}
-
-TEST(CrossoverList, FirstEmptyLineEndsTheReading) {
-    const auto log = startWithList("spotrf=8\n\nsgemm=5\nno equals sign\n");
-    EXPECT_THAT(log, ElementsAre(parsingLine(), "vorn info:  setting crossover for spotrf to '8'"));
-    EXPECT_EQ(crossoverTable.sgemm, defaults.sgemm);
-    EXPECT_EQ(spotrfIssuedFor(8), "vorn info:  issuing to GPU (over threshold)");
-}
-
-TEST(CrossoverList, EmptyFirstLineReadsNothing) {
-    const auto log = startWithList("\nspotrf=8\n");
-    EXPECT_THAT(log, ElementsAre(parsingLine()));
-    EXPECT_EQ(crossoverTable.spotrf, defaults.spotrf);
-}
-
-TEST(CrossoverList, EmptyFileWritesOnlyTheParsingLine) {
-    EXPECT_THAT(startWithList(""), ElementsAre(parsingLine()));
-}
-
-// Windows line ends read as newlines, and a last line without one counts.
-TEST(CrossoverList, LineEndsOfBothKindsAndNoneAtTheEnd) {
-    const auto log = startWithList("sgemm=5\r\ndgemm=6\ncgemm=7\r\nspotrf=9");
-    EXPECT_THAT(log, ElementsAre(parsingLine(), "vorn info:  setting crossover for sgemm to '5'",
-                                 "vorn info:  setting crossover for dgemm to '6'",
-                                 "vorn info:  setting crossover for cgemm to '7'",
-                                 "vorn info:  setting crossover for spotrf to '9'"));
-    EXPECT_EQ(crossoverTable.sgemm, 5);
-    EXPECT_EQ(crossoverTable.spotrf, 9);
-}
-
-// A line longer than 255 bytes is read in pieces of 255, each a line of its own.
-TEST(CrossoverList, LongLinesAreReadInPiecesOf255Bytes) {
-    const std::string longName(300, 'x');
-    const std::string zeros(255 - 6, '0');  // "sgemm=" and 249 zeros fill one piece
-    const auto log = startWithList(longName + "=5\n" + "sgemm=" + zeros + "12\n" + "dgemm=3\n");
-    EXPECT_THAT(log, ElementsAre(parsingLine(), "vorn error: invalid crossover specification: " + longName.substr(0, 255),
-                                 "vorn error: invalid crossover for 'sgemm' (" + zeros + ")",
-                                 "vorn error: invalid crossover specification: 12",
-                                 "vorn info:  setting crossover for dgemm to '3'"));
-    EXPECT_EQ(crossoverTable.sgemm, defaults.sgemm);
-    EXPECT_EQ(crossoverTable.dgemm, 3);
-}
-
-TEST(CrossoverList, LaterLineForTheSameNameHolds) {
-    startWithList("spotrf=5\nspotrf=never\nspotrf=2000\n");
-    EXPECT_EQ(crossoverTable.spotrf, 2000);
-    EXPECT_EQ(spotrfIssuedFor(1999), "vorn info:  issuing to CPU (under threshold)");
-}
-
-TEST(CrossoverList, VerboseOffWritesOnlyErrorLines) {
-    StdoutCapture capture;
-    startWithList("spotrf=5\nsgemm=0\nbad line\n", false);
-    EXPECT_EQ(capture.stop(),
-              "vorn error: invalid crossover for 'sgemm' (0)\n"
-              "vorn error: invalid crossover specification: bad line\n");
-    EXPECT_EQ(crossoverTable.spotrf, 5);
+TEST(CrossoverList, ReadAfterAFailedGpuStart) {
+    setEnv("VORN_EMU_INIT_STATUS", "1");
+    EXPECT_THAT(startWithList("spotrf=5\n"),
+                ElementsAre("vorn error: vornInitialize failed (no GPU present)",
+                            "vorn info:  forwarding all calls to CPU", parsingLine(), setting("spotrf", "5")));
+    EXPECT_EQ(spotrfIssuedFor(6), "vorn info:  issuing to CPU (vorn not available)");
 }
 
 TEST(CrossoverList, UnreadableListKeepsTheDefaults) {
@@ -177,14 +146,4 @@ TEST(CrossoverList, UnreadableListKeepsTheDefaults) {
     linkInitGpu();
     EXPECT_EQ(capture.stop(), "vorn error: cannot read crossover list '/nonexistent-folder/crossovers.txt'\n");
     EXPECT_EQ(std::memcmp(&crossoverTable, &defaults, sizeof defaults), 0);
-}
-
-// The list is read also when the GPU library failed to start, after its lines.
-TEST(CrossoverList, ReadAfterAFailedGpuStart) {
-    setEnv("VORN_EMU_INIT_STATUS", "1");
-    const auto log = startWithList("spotrf=5\n");
-    EXPECT_THAT(log, ElementsAre("vorn error: vornInitialize failed (no GPU present)",
-                                 "vorn info:  forwarding all calls to CPU", parsingLine(),
-                                 "vorn info:  setting crossover for spotrf to '5'"));
-    EXPECT_EQ(spotrfIssuedFor(6), "vorn info:  issuing to CPU (vorn not available)");
 }

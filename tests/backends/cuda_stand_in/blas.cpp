@@ -15,43 +15,6 @@ using C = cuComplex;
 using Z = cuDoubleComplex;
 using size_t = std::size_t;
 
-// OpenBLAS's Fortran BLAS, with gfortran's hidden character lengths.
-#define STAND_IN_FORTRAN_BLAS(p, T) \
-    void p##gemm_(const char*, const char*, const int*, const int*, const int*, const T*, const T*, const int*, \
-                  const T*, const int*, const T*, T*, const int*, size_t, size_t); \
-    void p##symm_(const char*, const char*, const int*, const int*, const T*, const T*, const int*, const T*, \
-                  const int*, const T*, T*, const int*, size_t, size_t); \
-    void p##syrk_(const char*, const char*, const int*, const int*, const T*, const T*, const int*, const T*, T*, \
-                  const int*, size_t, size_t); \
-    void p##syr2k_(const char*, const char*, const int*, const int*, const T*, const T*, const int*, const T*, \
-                   const int*, const T*, T*, const int*, size_t, size_t); \
-    void p##trmm_(const char*, const char*, const char*, const char*, const int*, const int*, const T*, const T*, \
-                  const int*, T*, const int*, size_t, size_t, size_t, size_t); \
-    void p##trsm_(const char*, const char*, const char*, const char*, const int*, const int*, const T*, const T*, \
-                  const int*, T*, const int*, size_t, size_t, size_t, size_t);
-#define STAND_IN_FORTRAN_HERMITIAN(p, T, R) \
-    void p##hemm_(const char*, const char*, const int*, const int*, const T*, const T*, const int*, const T*, \
-                  const int*, const T*, T*, const int*, size_t, size_t); \
-    void p##herk_(const char*, const char*, const int*, const int*, const R*, const T*, const int*, const R*, T*, \
-                  const int*, size_t, size_t); \
-    void p##her2k_(const char*, const char*, const int*, const int*, const T*, const T*, const int*, const T*, \
-                   const int*, const R*, T*, const int*, size_t, size_t); \
-    void p##hemv_(const char*, const int*, const T*, const T*, const int*, const T*, const int*, const T*, T*, \
-                  const int*, size_t);
-#define STAND_IN_FORTRAN_SYMV(p, T) \
-    void p##symv_(const char*, const int*, const T*, const T*, const int*, const T*, const int*, const T*, T*, \
-                  const int*, size_t);
-extern "C" {
-STAND_IN_FORTRAN_BLAS(s, float)
-STAND_IN_FORTRAN_BLAS(d, double)
-STAND_IN_FORTRAN_BLAS(c, C)
-STAND_IN_FORTRAN_BLAS(z, Z)
-STAND_IN_FORTRAN_HERMITIAN(c, C, float)
-STAND_IN_FORTRAN_HERMITIAN(z, Z, double)
-STAND_IN_FORTRAN_SYMV(s, float)
-STAND_IN_FORTRAN_SYMV(d, double)
-}
-
 namespace {
 
 char op(cublasOperation_t o) { return o == CUBLAS_OP_N ? 'N' : o == CUBLAS_OP_T ? 'T' : 'C'; }
@@ -87,7 +50,7 @@ using standIn::deviceMatrix;
                            deviceMatrix(f, "C", C, m, n, ldc, sizeof(T)); \
         return launch(h, valid, [=, al = *alpha, be = *beta] { \
             const char a = op(ta), b = op(tb); \
-            STAND_IN_OPENBLAS(p##gemm_)(&a, &b, &m, &n, &k, &al, A, &lda, B, &ldb, &be, C, &ldc, 1, 1); \
+            STAND_IN_OPENBLAS(#p "gemm_", &a, &b, &m, &n, &k, &al, A, &lda, B, &ldb, &be, C, &ldc, oneChar, oneChar); \
         }); \
     }
 
@@ -103,7 +66,7 @@ using standIn::deviceMatrix;
                            deviceMatrix(f, "C", C, m, n, ldc, sizeof(T)); \
         return launch(h, valid, [=, al = *alpha, be = *beta] { \
             const char a = side(s), b = fill(u); \
-            STAND_IN_OPENBLAS(p##root##_)(&a, &b, &m, &n, &al, A, &lda, B, &ldb, &be, C, &ldc, 1, 1); \
+            STAND_IN_OPENBLAS(#p #root "_", &a, &b, &m, &n, &al, A, &lda, B, &ldb, &be, C, &ldc, oneChar, oneChar); \
         }); \
     }
 
@@ -117,7 +80,7 @@ using standIn::deviceMatrix;
                            deviceMatrix(f, "C", C, n, n, ldc, sizeof(T)); \
         return launch(h, valid, [=, al = *alpha, be = *beta] { \
             const char a = fill(u), b = op(t); \
-            STAND_IN_OPENBLAS(p##root##_)(&a, &b, &n, &k, &al, A, &lda, &be, C, &ldc, 1, 1); \
+            STAND_IN_OPENBLAS(#p #root "_", &a, &b, &n, &k, &al, A, &lda, &be, C, &ldc, oneChar, oneChar); \
         }); \
     }
 
@@ -133,7 +96,7 @@ using standIn::deviceMatrix;
                            deviceMatrix(f, "C", C, n, n, ldc, sizeof(T)); \
         return launch(h, valid, [=, al = *alpha, be = *beta] { \
             const char a = fill(u), b = op(t); \
-            STAND_IN_OPENBLAS(p##root##_)(&a, &b, &n, &k, &al, A, &lda, B, &ldb, &be, C, &ldc, 1, 1); \
+            STAND_IN_OPENBLAS(#p #root "_", &a, &b, &n, &k, &al, A, &lda, B, &ldb, &be, C, &ldc, oneChar, oneChar); \
         }); \
     }
 
@@ -151,7 +114,7 @@ using standIn::deviceMatrix;
             if (C != B) \
                 for (int j = 0; j < n; ++j) std::memmove(C + size_t(j) * ldc, B + size_t(j) * ldb, m * sizeof(T)); \
             const char a = side(s), b = fill(u), c = op(t), e = diag(d); \
-            STAND_IN_OPENBLAS(p##trmm_)(&a, &b, &c, &e, &m, &n, &al, A, &lda, C, &ldc, 1, 1, 1, 1); \
+            STAND_IN_OPENBLAS(#p "trmm_", &a, &b, &c, &e, &m, &n, &al, A, &lda, C, &ldc, oneChar, oneChar, oneChar, oneChar); \
         }); \
     }
 
@@ -165,7 +128,7 @@ using standIn::deviceMatrix;
                            deviceMatrix(f, "B", B, m, n, ldb, sizeof(T)); \
         return launch(h, valid, [=, al = *alpha] { \
             const char a = side(s), b = fill(u), c = op(t), e = diag(d); \
-            STAND_IN_OPENBLAS(p##trsm_)(&a, &b, &c, &e, &m, &n, &al, A, &lda, B, &ldb, 1, 1, 1, 1); \
+            STAND_IN_OPENBLAS(#p "trsm_", &a, &b, &c, &e, &m, &n, &al, A, &lda, B, &ldb, oneChar, oneChar, oneChar, oneChar); \
         }); \
     }
 
@@ -178,7 +141,7 @@ using standIn::deviceMatrix;
                            deviceVector(f, "x", x, n, incx, sizeof(T)) && deviceVector(f, "y", y, n, incy, sizeof(T)); \
         return launch(h, valid, [=, al = *alpha, be = *beta] { \
             const char a = fill(u); \
-            STAND_IN_OPENBLAS(p##root##_)(&a, &n, &al, A, &lda, x, &incx, &be, y, &incy, 1); \
+            STAND_IN_OPENBLAS(#p #root "_", &a, &n, &al, A, &lda, x, &incx, &be, y, &incy, oneChar); \
         }); \
     }
 

@@ -39,9 +39,12 @@ bool failsNow(const char* kind);
 // comes first, the plain name would be the link library's, which would route the
 // call back here.
 void* openBlasSymbol(const char* name);
-template <class F> F openBlas(F, const char* name) { return reinterpret_cast<F>(openBlasSymbol(name)); }
+template <class... A> void call(void* f, A... args) { reinterpret_cast<void (*)(A...)>(f)(args...); }
 
 }  // namespace standIn
 
-// Calls OpenBLAS's f, declared with its Fortran prototype.
-#define STAND_IN_OPENBLAS(f) (*[] { static const auto found = standIn::openBlas(&f, #f); return found; }())
+// Calls OpenBLAS's Fortran routine `name` with these arguments as they are:
+// pointers, then the hidden character lengths (oneChar).
+inline constexpr std::size_t oneChar = 1;
+#define STAND_IN_OPENBLAS(name, ...) \
+    do { static void* const found = standIn::openBlasSymbol(name); standIn::call(found, __VA_ARGS__); } while (0)

@@ -16,21 +16,6 @@ using C = cuComplex;
 using Z = cuDoubleComplex;
 using size_t = std::size_t;
 
-extern "C" {
-void spotrf_(const char*, const int*, float*, const int*, int*, size_t);
-#define STAND_IN_FORTRAN_LU(p, T) \
-    void p##getrf_(const int*, const int*, T*, const int*, int*, int*); \
-    void p##getrs_(const char*, const int*, const int*, const T*, const int*, const int*, T*, const int*, int*, size_t);
-STAND_IN_FORTRAN_LU(s, float)
-STAND_IN_FORTRAN_LU(d, double)
-STAND_IN_FORTRAN_LU(c, C)
-STAND_IN_FORTRAN_LU(z, Z)
-void dsgesv_(const int*, const int*, double*, const int*, int*, const double*, const int*, double*, const int*,
-             double*, float*, int*, int*);
-void zcgesv_(const int*, const int*, Z*, const int*, int*, const Z*, const int*, Z*, const int*, Z*, C*, double*,
-             int*, int*);
-}
-
 namespace {
 
 using standIn::deviceMatrix;
@@ -98,7 +83,7 @@ cusolverStatus_t mixed(cusolverDnHandle_t h, const char* f, int n, int nrhs, T* 
                            deviceWords(f, "workspace", work, luWork(m, n), sizeof(T)) && \
                            deviceWords(f, "ipiv", ipiv, m < n ? m : n, sizeof(int)) && \
                            deviceWords(f, "info", info, 1, sizeof(int)); \
-        return launch(h, valid, [=] { STAND_IN_OPENBLAS(p##getrf_)(&m, &n, A, &lda, ipiv, info); }); \
+        return launch(h, valid, [=] { STAND_IN_OPENBLAS(#p "getrf_", &m, &n, A, &lda, ipiv, info); }); \
     } \
     cusolverStatus_t cusolverDn##P##getrs(cusolverDnHandle_t h, cublasOperation_t t, int n, int nrhs, const T* A, \
                                          int lda, const int* ipiv, T* B, int ldb, int* info) { \
@@ -108,7 +93,7 @@ cusolverStatus_t mixed(cusolverDnHandle_t h, const char* f, int n, int nrhs, T* 
                            deviceWords(f, "info", info, 1, sizeof(int)); \
         return launch(h, valid, [=] { \
             const char trans = t == CUBLAS_OP_N ? 'N' : t == CUBLAS_OP_T ? 'T' : 'C'; \
-            STAND_IN_OPENBLAS(p##getrs_)(&trans, &n, &nrhs, A, &lda, ipiv, B, &ldb, info, 1); \
+            STAND_IN_OPENBLAS(#p "getrs_", &trans, &n, &nrhs, A, &lda, ipiv, B, &ldb, info, oneChar); \
         }); \
     }
 
@@ -139,7 +124,7 @@ cusolverStatus_t cusolverDnSpotrf(cusolverDnHandle_t h, cublasFillMode_t u, int 
                        deviceWords(f, "workspace", work, lwork, sizeof(float)) && deviceWords(f, "info", info, 1, sizeof(int));
     return launch(h, valid, [=] {
         const char uplo = u == CUBLAS_FILL_MODE_UPPER ? 'U' : 'L';
-        STAND_IN_OPENBLAS(spotrf_)(&uplo, &n, A, &lda, info, 1);
+        STAND_IN_OPENBLAS("spotrf_", &uplo, &n, A, &lda, info, oneChar);
     });
 }
 
@@ -169,7 +154,7 @@ cusolverStatus_t cusolverDnDSgesv(cusolverDnHandle_t h, cusolver_int_t n, cusolv
     return mixed<double, float, double>(
         h, "cusolverDnDSgesv", n, nrhs, dA, ldda, dipiv, dB, lddb, dX, lddx, dWorkspace, lwork_bytes, iter, d_info,
         [&](double* a, int* ipiv, double* b, double* x, double* work, float* swork, double*, int* it, int* info) {
-            STAND_IN_OPENBLAS(dsgesv_)(&n, &nrhs, a, &ldda, ipiv, b, &lddb, x, &lddx, work, swork, it, info);
+            STAND_IN_OPENBLAS("dsgesv_", &n, &nrhs, a, &ldda, ipiv, b, &lddb, x, &lddx, work, swork, it, info);
         });
 }
 cusolverStatus_t cusolverDnZCgesv(cusolverDnHandle_t h, cusolver_int_t n, cusolver_int_t nrhs, Z* dA,
@@ -179,7 +164,7 @@ cusolverStatus_t cusolverDnZCgesv(cusolverDnHandle_t h, cusolver_int_t n, cusolv
     return mixed<Z, C, double>(
         h, "cusolverDnZCgesv", n, nrhs, dA, ldda, dipiv, dB, lddb, dX, lddx, dWorkspace, lwork_bytes, iter, d_info,
         [&](Z* a, int* ipiv, Z* b, Z* x, Z* work, C* swork, double* rwork, int* it, int* info) {
-            STAND_IN_OPENBLAS(zcgesv_)(&n, &nrhs, a, &ldda, ipiv, b, &lddb, x, &lddx, work, swork, rwork, it, info);
+            STAND_IN_OPENBLAS("zcgesv_", &n, &nrhs, a, &ldda, ipiv, b, &lddb, x, &lddx, work, swork, rwork, it, info);
         });
 }
 
