@@ -83,8 +83,9 @@ struct EntryLine<Name, ArgList<Kinds...>> {
     using RealType = RealTypeOf<Name.text[0]>;
     static constexpr auto format = "vorn info:  " + Name + " (" + conversionList(ArgList<Kinds...>{}) + ")\n";
 
-    // Called only with verbose set: nothing is read or formatted otherwise.
-    static void write(CallWords words) {
+    // Called only with verbose set: nothing is read or formatted otherwise. Kept
+    // out of line, so that the frames' paths with the log off stay short.
+    [[gnu::noinline]] static void write(CallWords words) {
         std::apply([](auto... values) { linkWriteLine(format.c_str(), values...); },
                    std::tuple_cat(KindTraits<Kinds>::template printed<RealType>(words)...));
     }
