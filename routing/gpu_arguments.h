@@ -12,6 +12,8 @@
 
 #include "routing/call_words.h"
 #include "routing/entry_line.h"
+#include "routing/fixed_string.h"
+#include "vorn_gpu_functions.h"
 #include "vorn_lapack.h"
 
 // Whether a GPU parameter of type P is what an argument of kind Kind gives, in a
@@ -65,3 +67,15 @@ private:
         return GpuFunction(value<Kinds, Parameter<I>>(words)...);
     }
 };
+
+// The GPU function that the GPU function list gives a routine, by its base name;
+// null for a routine the list does not name. The routed rows are held against it.
+template <FixedString Base> struct ListedGpuFunction {
+    static constexpr std::nullptr_t value = nullptr;
+};
+#define VORN_LISTED_GPU_FUNCTION(function, base, root, T) \
+    template <> struct ListedGpuFunction<#base> {         \
+        static constexpr auto value = &function;           \
+    };
+VORN_GPU_FUNCTIONS(VORN_LISTED_GPU_FUNCTION)
+#undef VORN_LISTED_GPU_FUNCTION

@@ -137,6 +137,8 @@ template <class Routine>
 // root's row, its word count, its GPU function and its crossover entry.
 #define VORN_ROUTED_ROUTINE(base, Root, count, gpuFunction)                                  \
     static_assert(Root::wordCount == count, #base ": word count differs from its root");     \
+    static_assert(ListedGpuFunction<#base>::value == &gpuFunction,                           \
+                  #base ": not the GPU function that the GPU function list gives it");       \
     extern "C" VORN_EXPORT void base(VORN_WORDS_##count) {                                   \
         void* const words[] = {VORN_ARGS_##count};                                           \
         routedFrame<RoutedRoutine<#base, Root, gpuFunction, &CrossoverTable::base>>(         \
