@@ -12,7 +12,6 @@
 #include <cstdio>
 #include <cstring>
 #include <dlfcn.h>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <map>
 #include <set>
@@ -35,16 +34,14 @@ float sdot_(const int* n, const float* x, const int* incx, const float* y, const
 float slamch_(const char* cmach, std::size_t);
 double dlamch_(const char* cmach, std::size_t);
 float slange_(const char* norm, const int* m, const int* n, const float* a, const int* lda, float* work, std::size_t);
-std::complex<float> cdotc_(const int* n, const std::complex<float>* x, const int* incx, const std::complex<float>* y,
-                           const int* incy);
-std::complex<float> cdotu_(const int* n, const std::complex<float>* x, const int* incx, const std::complex<float>* y,
-                           const int* incy);
-std::complex<double> zdotc_(const int* n, const std::complex<double>* x, const int* incx,
-                            const std::complex<double>* y, const int* incy);
-std::complex<double> zdotu_(const int* n, const std::complex<double>* x, const int* incx,
-                            const std::complex<double>* y, const int* incy);
-std::complex<float> cladiv_(const std::complex<float>* x, const std::complex<float>* y);
-std::complex<double> zladiv_(const std::complex<double>* x, const std::complex<double>* y);
+using Cf = std::complex<float>;
+using Cd = std::complex<double>;
+Cf cdotc_(const int* n, const Cf* x, const int* incx, const Cf* y, const int* incy);
+Cf cdotu_(const int* n, const Cf* x, const int* incx, const Cf* y, const int* incy);
+Cd zdotc_(const int* n, const Cd* x, const int* incx, const Cd* y, const int* incy);
+Cd zdotu_(const int* n, const Cd* x, const int* incx, const Cd* y, const int* incy);
+Cf cladiv_(const Cf* x, const Cf* y);
+Cd zladiv_(const Cd* x, const Cd* y);
 void ssyswapr_(const char* uplo, const int* n, float* a, const int* lda, const int* i1, const int* i2, std::size_t);
 void slartgs_(const float* x, const float* y, const float* sigma, float* cs, float* sn);
 }

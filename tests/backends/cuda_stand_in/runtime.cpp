@@ -114,16 +114,11 @@ bool deviceMatrix(const char* function, const char* name, const void* p, long ro
 }
 
 void enqueue(cudaStream_t stream, std::function<void()> work) {
-    if (stream == nullptr) {
-        work();
-        return;
-    }
     stream->pending.push_back(std::move(work));
     ++stream->issued;
 }
 
 void drain(cudaStream_t stream, std::uint64_t upTo) {
-    if (stream == nullptr) return;
     while (stream->finished < upTo && !stream->pending.empty()) {
         auto work = std::move(stream->pending.front());
         stream->pending.pop_front();
@@ -209,7 +204,7 @@ cudaError_t cudaEventCreateWithFlags(cudaEvent_t* event, unsigned int) { *event 
 cudaError_t cudaEventDestroy(cudaEvent_t event) { delete event; return cudaSuccess; }
 cudaError_t cudaEventRecord(cudaEvent_t event, cudaStream_t stream) {
     event->stream = stream;
-    event->at = stream != nullptr ? stream->issued : 0;
+    event->at = stream->issued;
     return cudaSuccess;
 }
 cudaError_t cudaEventSynchronize(cudaEvent_t event) {
