@@ -1,12 +1,12 @@
 // The CUDA GPU library over the CPU stand-in for the CUDA run-time, cuBLAS and
-// cuSOLVER (libcuda_stand_in.so), which can make any copy, computation or wait
-// fail on request and counts device allocations. A failure anywhere before the
-// copy back, or anywhere at all when the outputs fit in the staging slots, leaves
-// the caller's arrays as they were, and the next call works; steady-state calls
-// allocate no device memory.
-#include <cstring>
+// cuSOLVER (libcuda_stand_in.so), which can make any copy, computation, wait or
+// allocation fail on request and counts them. A failure anywhere before the copy
+// back, or anywhere at all when the outputs fit in the staging slots, leaves the
+// caller's arrays as they were, and the next call works; steady-state calls
+// allocate no device memory; running out of GPU memory touches nothing.
 #include <functional>
 #include <gtest/gtest.h>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -50,17 +50,14 @@ const std::vector<Case>& cases() {
 }
 
 // Runs a case once and counts the stand-in's calls of each kind that it makes.
-struct Counts { long toDevice, compute, toHost, wait; };
-Counts countsOf(const Case& c) {
+std::map<std::string, long> countsOf(const Case& c) {
+    std::map<std::string, long> counts;
+    for (const char* kind : {"toDevice", "compute", "toHost", "wait"}) counts[kind] = -cudaStandInCount(kind);
     auto a = arrays();
     std::vector<int> p(n, 0);
-    auto now = [] { return Counts{cudaStandInCount("toDevice"), cudaStandInCount("compute"), cudaStandInCount("toHost"),
-                                  cudaStandInCount("wait")}; };
-    const Counts before = now();
     EXPECT_EQ(c.call(a, p), 0) << c.name;
-    const Counts after = now();
-    return {after.toDevice - before.toDevice, after.compute - before.compute, after.toHost - before.toHost,
-            after.wait - before.wait};
+    for (auto& [kind, count] : counts) count += cudaStandInCount(kind.c_str());
+    return counts;
 }
 
 // A failure of the nth call of a kind gives a failure status with the arrays as
@@ -99,11 +96,11 @@ TEST_P(CudaStandIn, FailuresBeforeTheCopyBackLeaveTheArraysUntouched) {
     setEnv("VORN_CUDA_STAGING_BYTES", "1000");
     ASSERT_EQ(vornInitialize(), 0);
     for (const Case& c : cases()) {
-        const Counts counts = countsOf(c);
-        ASSERT_GT(counts.toDevice, 0);
-        ASSERT_GT(counts.compute, 0);
-        for (int i = 1; i <= counts.toDevice; ++i) expectFailureLeavesArrays(c, "toDevice", i);
-        for (int i = 1; i <= counts.compute; ++i) expectFailureLeavesArrays(c, "compute", i);
+        auto counts = countsOf(c);
+        ASSERT_GT(counts["toDevice"], 0);
+        ASSERT_GT(counts["compute"], 0);
+        for (int i = 1; i <= counts["toDevice"]; ++i) expectFailureLeavesArrays(c, "toDevice", i);
+        for (int i = 1; i <= counts["compute"]; ++i) expectFailureLeavesArrays(c, "compute", i);
         expectFailureLeavesArrays(c, "wait", 1);
         // The info word comes back first, then the first chunk of the first output.
         expectFailureLeavesArrays(c, "toHost", 1);
@@ -118,20 +115,23 @@ TEST_P(CudaStandIn, OutputsThatFitInStagingComeBackAllOrNothing) {
     setEnv("VORN_CUDA_TRANSFER", GetParam());
     ASSERT_EQ(vornInitialize(), 0);
     for (const Case& c : cases()) {
-        const Counts counts = countsOf(c);
-        ASSERT_GT(counts.toHost, 1);
-        for (int i = 1; i <= counts.toHost; ++i) expectFailureLeavesArrays(c, "toHost", i);
-        for (int i = 1; i <= counts.wait; ++i) expectFailureLeavesArrays(c, "wait", i, true);
+        auto counts = countsOf(c);
+        ASSERT_GT(counts["toHost"], 1);
+        for (int i = 1; i <= counts["toHost"]; ++i) expectFailureLeavesArrays(c, "toHost", i);
+        for (int i = 1; i <= counts["wait"]; ++i) expectFailureLeavesArrays(c, "wait", i, true);
     }
 }
 
 // The workspace grows to the largest call and stays: calls of that size or
 // smaller allocate nothing. A failed allocation of the grown size falls back to
-// the size needed; a failed allocation of that is "out of GPU memory".
+// the size needed; a failed allocation of that, or a workspace over
+// VORN_CUDA_MAX_DEVICE_BYTES, is "out of GPU memory" and touches nothing. So does
+// gbtrf, which is never computed here.
 TEST(CudaStandInWorkspace, NoDeviceAllocationPerCallInSteadyState) {
+    setEnv("VORN_CUDA_MAX_DEVICE_BYTES", "2097152");
     ASSERT_EQ(vornInitialize(), 0);
     auto a = arrays();
-    std::vector<int> p(n);
+    std::vector<int> p(n, 7);
     const Case& gemm = cases()[0];
     ASSERT_EQ(gemm.call(a, p), 0);
     const long afterFirst = cudaStandInCount("allocate");
@@ -140,15 +140,26 @@ TEST(CudaStandInWorkspace, NoDeviceAllocationPerCallInSteadyState) {
     ASSERT_EQ(cases()[1].call(a, p), 0);  // smaller
     EXPECT_EQ(cudaStandInCount("allocate"), afterFirst);
 
-    std::vector<double> big(3 * 96 * 96, 0.25);
+    auto gemmOf = [](int m, int status) {  // on three m x m matrices in one array
+        std::vector<double> abc(3 * m * m, 0.25);
+        const auto before = abc;
+        EXPECT_EQ(vornDgemm('N', 'N', m, m, m, 1, abc.data(), m, abc.data() + m * m, m, 0, abc.data() + 2 * m * m, m),
+                  status) << m;
+        EXPECT_TRUE(status == 0 || abc == before) << m;
+    };
     cudaStandInFailAt("allocate", 1);
-    EXPECT_EQ(vornDgemm('N', 'N', 96, 96, 96, 1, big.data(), 96, big.data() + 96 * 96, 96, 0, big.data() + 2 * 96 * 96, 96), 0);
+    gemmOf(96, 0);
     EXPECT_EQ(cudaStandInCount("allocate"), afterFirst + 2);
-    std::vector<double> bigger(3 * 200 * 200, 0.25);
-    const auto before = bigger;
     cudaStandInFailAt("allocate", 1);
     cudaStandInFailAt("allocate", 2);
-    EXPECT_EQ(vornDgemm('N', 'N', 200, 200, 200, 1, bigger.data(), 200, bigger.data() + 200 * 200, 200, 0,
-                        bigger.data() + 2 * 200 * 200, 200), VORN_STATUS_OUT_OF_MEMORY);
-    EXPECT_TRUE(bigger == before);
+    gemmOf(200, VORN_STATUS_OUT_OF_MEMORY);
+    gemmOf(300, VORN_STATUS_OUT_OF_MEMORY);  // 2,160,256 bytes, over the limit: no allocation tried
+    EXPECT_EQ(cudaStandInCount("allocate"), afterFirst + 4);
+    EXPECT_NE(std::string(vornGetStatusString(VORN_STATUS_OUT_OF_MEMORY)).find("VORN_CUDA_MAX_DEVICE_BYTES"),
+              std::string::npos);
+
+    const auto aBefore = a;
+    const auto pBefore = p;
+    EXPECT_EQ(vornDgbtrf(n, n, 1, 1, a.data(), n, p.data()), VORN_STATUS_NOT_AVAILABLE);
+    EXPECT_TRUE(a == aBefore && p == pBefore);
 }

@@ -3,8 +3,8 @@
 // results and its record: the family and start-up tests through the link library.)
 #include <cstddef>
 #include <cstring>
+#include <cstdlib>
 #include <gtest/gtest.h>
-#include <set>
 #include <string>
 #include <thread>
 #include <vector>
@@ -18,13 +18,12 @@ extern "C" void spotrf_(const char* uplo, const int* n, float* a, const int* lda
 namespace {
 
 // A column-major n x n matrix with leading dimension lda (padding rows -7):
-// symmetric positive definite, or with a negative (k,k) element when not.
-std::vector<float> spdMatrix(int n, int lda, bool definite = true, int k = 2) {
-    std::vector<float> a(static_cast<std::size_t>(lda) * n, -7.0f);
+// symmetric positive definite, or with a negative (k,k) element where k > 0.
+std::vector<float> spdMatrix(int n, int lda, int k = 0) {
+    std::vector<float> a(std::size_t(lda) * n, -7.0f);
     for (int j = 0; j < n; ++j)
-        for (int i = 0; i < n; ++i)
-            a[i + static_cast<std::size_t>(j) * lda] = i == j ? float(n) : 1.0f / float(1 + (i > j ? i - j : j - i));
-    if (!definite) a[(k - 1) + static_cast<std::size_t>(k - 1) * lda] = -1.0f;
+        for (int i = 0; i < n; ++i) a[i + std::size_t(j) * lda] = i == j ? float(n) : 1.0f / float(1 + std::abs(i - j));
+    if (k > 0) a[(k - 1) + std::size_t(k - 1) * lda] = -1.0f;
     return a;
 }
 
@@ -42,7 +41,7 @@ bool sameBits(const std::vector<float>& x, const std::vector<float>& y) {
 TEST(VornEmulator, InfoBecomesStatusSevenOrEight) {
     ASSERT_EQ(vornInitialize(), VORN_STATUS_SUCCESS);
     const int n = 5, lda = 5;
-    auto a = spdMatrix(n, lda, false, 3);
+    auto a = spdMatrix(n, lda, 3);
     int info = 0;
     const auto expected = referenceFactor('L', n, lda, a, &info);
     ASSERT_GT(info, 0);
@@ -62,10 +61,7 @@ TEST(VornEmulator, ForcedStatusesLeaveTheArrayAlone) {
     ASSERT_EQ(vornInitialize(), VORN_STATUS_SUCCESS);
     const int n = 4, lda = 5;
     const auto original = spdMatrix(n, lda);
-    struct Case {
-        const char* setting;
-        int status, info;
-    };
+    struct Case { const char* setting; int status, info; };
     for (const Case& c : {Case{"spotrf=4", 4, 0}, Case{"spotrf=7:5", 7, 5}, Case{"dgemm=4,spotrf=8:-1", 8, -1},
                           Case{"spotrf2=3,dspotrf=3,spotrf=6", 6, 0}}) {
         SCOPED_TRACE(c.setting);
@@ -88,22 +84,21 @@ TEST(VornEmulator, InitializeWithoutTheCpuLibraryFails) {
     setEnv("VORN_EMU_CPU_LIB", tempPath("no-such-lapackcpu.so"));
     EXPECT_EQ(vornInitialize(), VORN_STATUS_DEPENDENCY_MISSING);
     float one = 1.0f;
-    const int status = vornSpotrf('U', 1, &one, 1);
-    EXPECT_NE(status, VORN_STATUS_SUCCESS);
-    EXPECT_NE(status, VORN_STATUS_INFO_NUMERICAL);
-    EXPECT_NE(status, VORN_STATUS_INFO_ARGUMENT);
+    const int status = vornSpotrf('U', 1, &one, 1);  // a failure, not an answer
+    EXPECT_TRUE(status != VORN_STATUS_SUCCESS && status != VORN_STATUS_INFO_NUMERICAL &&
+                status != VORN_STATUS_INFO_ARGUMENT) << status;
     EXPECT_EQ(one, 1.0f);
 }
 
 TEST(VornEmulator, ErrorInfoIsPerThread) {
     ASSERT_EQ(vornInitialize(), VORN_STATUS_SUCCESS);
-    auto a = spdMatrix(4, 4, false, 2);
+    auto a = spdMatrix(4, 4, 2);
     ASSERT_EQ(vornSpotrf('U', 4, a.data(), 4), VORN_STATUS_INFO_NUMERICAL);
     ASSERT_EQ(vornGetErrorInfo(), 2);
 
     int otherStatus = -1, otherInfo = 0, freshInfo = -1;
     std::thread other([&] {
-        auto b = spdMatrix(5, 5, false, 4);
+        auto b = spdMatrix(5, 5, 4);
         otherStatus = vornSpotrf('L', 5, b.data(), 5);
         otherInfo = vornGetErrorInfo();
     });
@@ -115,21 +110,4 @@ TEST(VornEmulator, ErrorInfoIsPerThread) {
     EXPECT_EQ(otherInfo, 4);
     EXPECT_EQ(freshInfo, 0);
     EXPECT_EQ(vornGetErrorInfo(), 2);
-}
-
-TEST(VornEmulator, EveryStatusHasItsOwnText) {
-    std::set<std::string> texts;
-    for (int status = 0; status <= 8; ++status) {
-        const char* text = vornGetStatusString(status);
-        ASSERT_NE(text, nullptr) << status;
-        EXPECT_STRNE(text, "") << status;
-        texts.insert(text);
-    }
-    EXPECT_EQ(texts.size(), 9u);
-    for (int unknown : {-1, 9, 1000}) {
-        const char* text = vornGetStatusString(unknown);
-        ASSERT_NE(text, nullptr) << unknown;
-        EXPECT_STRNE(text, "") << unknown;
-        EXPECT_EQ(texts.count(text), 0u) << unknown << " reads like a known status";
-    }
 }

@@ -3,7 +3,8 @@
 // arguments against the prototypes of the system's lapack.h (liblapacke-dev) and
 // cblas_f77.h (libblas-dev), read at test time, and its calls against OpenBLAS's
 // own answers where our convention and gfortran's differ: string lengths,
-// function results, arguments passed in another order.
+// function results, arguments passed in another order. (Character arguments
+// reaching OpenBLAS: the family tests' CPU side and the reference LAPACK run.)
 #include <algorithm>
 #include <complex>
 #include <cstddef>
@@ -11,7 +12,6 @@
 #include <cstdio>
 #include <cstring>
 #include <dlfcn.h>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <map>
 #include <set>
@@ -34,21 +34,14 @@ float sdot_(const int* n, const float* x, const int* incx, const float* y, const
 float slamch_(const char* cmach, std::size_t);
 double dlamch_(const char* cmach, std::size_t);
 float slange_(const char* norm, const int* m, const int* n, const float* a, const int* lda, float* work, std::size_t);
-std::complex<float> cdotc_(const int* n, const std::complex<float>* x, const int* incx, const std::complex<float>* y,
-                           const int* incy);
-std::complex<float> cdotu_(const int* n, const std::complex<float>* x, const int* incx, const std::complex<float>* y,
-                           const int* incy);
-std::complex<double> zdotc_(const int* n, const std::complex<double>* x, const int* incx,
-                            const std::complex<double>* y, const int* incy);
-std::complex<double> zdotu_(const int* n, const std::complex<double>* x, const int* incx,
-                            const std::complex<double>* y, const int* incy);
-std::complex<float> cladiv_(const std::complex<float>* x, const std::complex<float>* y);
-std::complex<double> zladiv_(const std::complex<double>* x, const std::complex<double>* y);
-void dgeqrf_(const int* m, const int* n, double* a, const int* lda, double* tau, double* work, const int* lwork,
-             int* info);
-void dormqr_(const char* side, const char* trans, const int* m, const int* n, const int* k, const double* a,
-             const int* lda, const double* tau, double* c, const int* ldc, double* work, const int* lwork, int* info,
-             std::size_t, std::size_t);
+using Cf = std::complex<float>;
+using Cd = std::complex<double>;
+Cf cdotc_(const int* n, const Cf* x, const int* incx, const Cf* y, const int* incy);
+Cf cdotu_(const int* n, const Cf* x, const int* incx, const Cf* y, const int* incy);
+Cd zdotc_(const int* n, const Cd* x, const int* incx, const Cd* y, const int* incy);
+Cd zdotu_(const int* n, const Cd* x, const int* incx, const Cd* y, const int* incy);
+Cf cladiv_(const Cf* x, const Cf* y);
+Cd zladiv_(const Cd* x, const Cd* y);
 void ssyswapr_(const char* uplo, const int* n, float* a, const int* lda, const int* i1, const int* i2, std::size_t);
 void slartgs_(const float* x, const float* y, const float* sigma, float* cs, float* sn);
 }
@@ -68,19 +61,14 @@ void* adapter() {
     return handle;
 }
 
-template <class Function>
-Function routine(const char* name) {
+template <class Function> Function routine(const char* name) {
     auto function = reinterpret_cast<Function>(dlsym(adapter(), name));
     EXPECT_NE(function, nullptr) << name;
     return function;
 }
 
-template <class T>
-bool sameBits(const T& x, const T& y) {
-    return std::memcmp(&x, &y, sizeof(T)) == 0;
-}
-template <class T>
-bool sameBits(const std::vector<T>& x, const std::vector<T>& y) {
+template <class T> bool sameBits(const T& x, const T& y) { return std::memcmp(&x, &y, sizeof(T)) == 0; }
+template <class T> bool sameBits(const std::vector<T>& x, const std::vector<T>& y) {
     return x.size() == y.size() && std::memcmp(x.data(), y.data(), x.size() * sizeof(T)) == 0;
 }
 
@@ -126,7 +114,6 @@ TEST(LapackCpuRoutines, ExportsEveryListedRoutineThatOpenBlasHasAndNothingElse) 
         else expected.insert(name);
     }
     EXPECT_EQ(lacked, lackedByOpenBlas);
-    EXPECT_EQ(expected.size() + lacked.size(), 1663u);
 
     FILE* symbols = popen((std::string("nm -D --defined-only ") + VORN_TEST_LAPACKCPU).c_str(), "r");
     ASSERT_NE(symbols, nullptr);
@@ -289,37 +276,6 @@ TEST(LapackCpuRoutines, FunctionResultsAreOpenBlasOwn) {
     } constants[] = {{"ilatrans", 'C', 113}, {"ilauplo", 'L', 122}, {"iladiag", 'U', 132}, {"ilaprec", 'I', 213}};
     for (auto [name, argument, constant] : constants)
         EXPECT_EQ(routine<int32_t (*)(Word)>(name)(&argument), constant) << name;
-}
-
-// A routine with character arguments gives what OpenBLAS gives, bit for bit, and
-// each combination of characters its own result (the BLAS ones: the family tests).
-TEST(LapackCpuRoutines, CharacterTakingRoutinesMatchOpenBlas) {
-    int m = 5, k = 3, lwork = 64, info = -99;
-    std::vector<double> a(m * k), tau(k), work(lwork);
-    for (int i = 0; i < m * k; ++i) a[i] = double((i * 7) % 11) - 4.5 + 0.125 * i;
-    dgeqrf_(&m, &k, a.data(), &m, tau.data(), work.data(), &lwork, &info);
-    ASSERT_EQ(info, 0);
-
-    using Ormqr = void (*)(Word, Word, Word, Word, Word, Word, Word, Word, Word, Word, Word, Word, Word);
-    std::set<std::vector<double>> products;
-    for (char side : {'L', 'R'}) {
-        for (char trans : {'N', 'T'}) {
-            SCOPED_TRACE((std::string{side, trans}));
-            std::vector<double> c(m * m), reference;
-            for (int i = 0; i < m * m; ++i) c[i] = 0.5 * i - double(i % 3);
-            reference = c;
-            int cInfo = -99, referenceInfo = -99;
-            routine<Ormqr>("dormqr")(&side, &trans, &m, &m, &k, a.data(), &m, tau.data(), c.data(), &m, work.data(),
-                                     &lwork, &cInfo);
-            dormqr_(&side, &trans, &m, &m, &k, a.data(), &m, tau.data(), reference.data(), &m, work.data(), &lwork,
-                    &referenceInfo, 1, 1);
-            EXPECT_EQ(cInfo, 0);
-            EXPECT_EQ(referenceInfo, 0);
-            EXPECT_TRUE(sameBits(c, reference));
-            products.insert(c);
-        }
-    }
-    EXPECT_EQ(products.size(), 4u);
 }
 
 // Routines whose words are not OpenBLAS's arguments: syswapr lacks lda (n), and

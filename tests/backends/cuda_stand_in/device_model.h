@@ -27,8 +27,8 @@ bool onDevice(const void* p, std::size_t bytes);
 bool deviceMatrix(const char* function, const char* name, const void* p, long rows, long cols, long ld,
                   std::size_t element);
 
-// Puts work on a stream (the legacy stream: runs it now), and runs a stream's
-// work up to a point (UINT64_MAX: all of it).
+// Puts work on a stream, and runs a stream's work up to a point (UINT64_MAX: all
+// of it). The CUDA library uses streams of its own only, never the legacy one.
 void enqueue(cudaStream_t stream, std::function<void()> work);
 void drain(cudaStream_t stream, std::uint64_t upTo);
 

@@ -8,6 +8,7 @@
 #include <mutex>
 #include <set>
 #include <string>
+#include <utility>
 
 #include "device_model.h"
 #include "stand_in.h"
@@ -42,6 +43,20 @@ bool pinned(const void* p, std::size_t bytes) {
 cudaError_t failed(cudaError_t error) {
     lastError = error;
     return error;
+}
+
+// A block of a registry, aligned; and its release.
+void* allocate(std::map<const char*, std::size_t>& blocks, std::size_t bytes, std::size_t alignment) {
+    char* block = static_cast<char*>(std::aligned_alloc(alignment, (bytes + alignment - 1) / alignment * alignment));
+    std::lock_guard<std::mutex> hold(lock);
+    if (block != nullptr) blocks[block] = bytes;
+    return block;
+}
+cudaError_t release(std::map<const char*, std::size_t>& blocks, void* p) {
+    std::lock_guard<std::mutex> hold(lock);
+    if (blocks.erase(static_cast<char*>(p)) == 0) return failed(cudaErrorInvalidValue);
+    std::free(p);
+    return cudaSuccess;
 }
 
 // A copy between host and device checks both sides, then runs in stream order:
@@ -99,16 +114,11 @@ bool deviceMatrix(const char* function, const char* name, const void* p, long ro
 }
 
 void enqueue(cudaStream_t stream, std::function<void()> work) {
-    if (stream == nullptr) {
-        work();
-        return;
-    }
     stream->pending.push_back(std::move(work));
     ++stream->issued;
 }
 
 void drain(cudaStream_t stream, std::uint64_t upTo) {
-    if (stream == nullptr) return;
     while (stream->finished < upTo && !stream->pending.empty()) {
         auto work = std::move(stream->pending.front());
         stream->pending.pop_front();
@@ -151,64 +161,24 @@ long cudaStandInCount(const char* kind) {
     return counts[kind];
 }
 
-cudaError_t cudaGetDeviceCount(int* count) {
-    *count = 1;
-    return cudaSuccess;
-}
+cudaError_t cudaGetDeviceCount(int* count) { *count = 1; return cudaSuccess; }
 cudaError_t cudaSetDevice(int device) { return device == 0 ? cudaSuccess : failed(cudaErrorInvalidDevice); }
-cudaError_t cudaGetDevice(int* device) {
-    *device = 0;
-    return cudaSuccess;
-}
-cudaError_t cudaGetLastError(void) {
-    const cudaError_t error = lastError;
-    lastError = cudaSuccess;
-    return error;
-}
-const char* cudaGetErrorString(cudaError_t error) {
-    switch (error) {
-        case cudaSuccess: return "no error";
-        case cudaErrorInvalidValue: return "invalid argument";
-        case cudaErrorMemoryAllocation: return "out of memory";
-        case cudaErrorLaunchFailure: return "unspecified launch failure";
-        case cudaErrorHostMemoryAlreadyRegistered: return "part or all of the requested memory range is already mapped";
-        case cudaErrorHostMemoryNotRegistered: return "pointer does not correspond to a registered memory region";
-        default: return "stand-in error";
-    }
-}
+cudaError_t cudaGetDevice(int* device) { *device = 0; return cudaSuccess; }
+cudaError_t cudaGetLastError(void) { return std::exchange(lastError, cudaSuccess); }
+const char* cudaGetErrorString(cudaError_t error) { return error == cudaSuccess ? "no error" : "stand-in CUDA error"; }
 
+// Device memory starts with no particular contents; a failed allocation may be asked for.
 cudaError_t cudaMalloc(void** p, std::size_t bytes) {
-    *p = nullptr;
-    if (standIn::failsNow("allocate")) return failed(cudaErrorMemoryAllocation);
-    char* block = static_cast<char*>(std::aligned_alloc(256, (bytes + 255) / 256 * 256));
-    if (block == nullptr) return failed(cudaErrorMemoryAllocation);
-    std::memset(block, 0xA5, bytes);  // device memory starts with no particular contents
-    std::lock_guard<std::mutex> hold(lock);
-    deviceBlocks[block] = bytes;
-    *p = block;
-    return cudaSuccess;
+    *p = standIn::failsNow("allocate") ? nullptr : allocate(deviceBlocks, bytes, 256);
+    if (*p != nullptr) std::memset(*p, 0xA5, bytes);
+    return *p != nullptr ? cudaSuccess : failed(cudaErrorMemoryAllocation);
 }
-cudaError_t cudaFree(void* p) {
-    if (p == nullptr) return cudaSuccess;
-    std::lock_guard<std::mutex> hold(lock);
-    if (deviceBlocks.erase(static_cast<char*>(p)) == 0) return failed(cudaErrorInvalidValue);
-    std::free(p);
-    return cudaSuccess;
-}
+cudaError_t cudaFree(void* p) { return p == nullptr ? cudaSuccess : release(deviceBlocks, p); }
 cudaError_t cudaHostAlloc(void** p, std::size_t bytes, unsigned int) {
-    char* block = static_cast<char*>(std::aligned_alloc(4096, (bytes + 4095) / 4096 * 4096));
-    if (block == nullptr) return failed(cudaErrorMemoryAllocation);
-    std::lock_guard<std::mutex> hold(lock);
-    pinnedBlocks[block] = bytes;
-    *p = block;
-    return cudaSuccess;
+    *p = allocate(pinnedBlocks, bytes, 4096);
+    return *p != nullptr ? cudaSuccess : failed(cudaErrorMemoryAllocation);
 }
-cudaError_t cudaFreeHost(void* p) {
-    std::lock_guard<std::mutex> hold(lock);
-    if (pinnedBlocks.erase(static_cast<char*>(p)) == 0) return failed(cudaErrorInvalidValue);
-    std::free(p);
-    return cudaSuccess;
-}
+cudaError_t cudaFreeHost(void* p) { return release(pinnedBlocks, p); }
 cudaError_t cudaHostRegister(void* p, std::size_t bytes, unsigned int) {
     std::lock_guard<std::mutex> hold(lock);
     if (overlaps(pinnedBlocks, p, bytes)) return failed(cudaErrorHostMemoryAlreadyRegistered);
@@ -230,17 +200,11 @@ cudaError_t cudaStreamDestroy(cudaStream_t stream) {
     return cudaSuccess;
 }
 cudaError_t cudaStreamSynchronize(cudaStream_t stream) { return wait(stream, UINT64_MAX); }
-cudaError_t cudaEventCreateWithFlags(cudaEvent_t* event, unsigned int) {
-    *event = new CUevent_st;
-    return cudaSuccess;
-}
-cudaError_t cudaEventDestroy(cudaEvent_t event) {
-    delete event;
-    return cudaSuccess;
-}
+cudaError_t cudaEventCreateWithFlags(cudaEvent_t* event, unsigned int) { *event = new CUevent_st; return cudaSuccess; }
+cudaError_t cudaEventDestroy(cudaEvent_t event) { delete event; return cudaSuccess; }
 cudaError_t cudaEventRecord(cudaEvent_t event, cudaStream_t stream) {
     event->stream = stream;
-    event->at = stream != nullptr ? stream->issued : 0;
+    event->at = stream->issued;
     return cudaSuccess;
 }
 cudaError_t cudaEventSynchronize(cudaEvent_t event) {

@@ -38,33 +38,30 @@ int luWork(int m, int n) { return m + n + 1; }
 // LAPACK's dsgesv and zcgesv as cuSOLVER gives them: x, the pivots, info and the
 // iteration count; a unchanged when refinement converged, and left with no
 // particular contents when it fell back to the higher precision.
-template <class T, class Low, class Real> size_t mixedBytes(int n, int nrhs) {
-    return size_t(n) * nrhs * sizeof(T) + size_t(n) * (n + nrhs) * sizeof(Low) + size_t(n) * sizeof(Real);
+template <class T, class Low> size_t mixedBytes(int n, int nrhs) {
+    return size_t(n) * nrhs * sizeof(T) + size_t(n) * (n + nrhs) * sizeof(Low) + size_t(n) * sizeof(double);
 }
-template <class T, class Low, class Real, class Solve>
+template <class T, class Low, class Solve>
 cusolverStatus_t mixed(cusolverDnHandle_t h, const char* f, int n, int nrhs, T* dA, int ldda, int* dipiv, T* dB,
                        int lddb, T* dX, int lddx, void* dWorkspace, size_t lwork_bytes, int* iter, int* d_info,
                        Solve solve) {
     const bool valid = deviceMatrix(f, "A", dA, n, n, ldda, sizeof(T)) && deviceWords(f, "ipiv", dipiv, n, sizeof(int)) &&
                        deviceMatrix(f, "B", dB, n, nrhs, lddb, sizeof(T)) &&
                        deviceMatrix(f, "X", dX, n, nrhs, lddx, sizeof(T)) && deviceWords(f, "info", d_info, 1, sizeof(int)) &&
-                       lwork_bytes >= mixedBytes<T, Low, Real>(n, nrhs) &&
+                       lwork_bytes >= mixedBytes<T, Low>(n, nrhs) &&
                        deviceWords(f, "workspace", dWorkspace, long(lwork_bytes), 1);
     if (h == nullptr) return CUSOLVER_STATUS_NOT_INITIALIZED;
     if (!valid) return CUSOLVER_STATUS_INVALID_VALUE;
     if (standIn::failsNow("compute")) return CUSOLVER_STATUS_EXECUTION_FAILED;
     standIn::drain(h->stream, UINT64_MAX);
     char* work = static_cast<char*>(dWorkspace);
-    T* high = reinterpret_cast<T*>(work);
     Low* low = reinterpret_cast<Low*>(work + size_t(n) * nrhs * sizeof(T));
-    Real* real = reinterpret_cast<Real*>(work + size_t(n) * nrhs * sizeof(T) + size_t(n) * (n + nrhs) * sizeof(Low));
-    solve(dA, dipiv, dB, dX, high, low, real, iter, d_info);
-    if (*iter < 0) {
-        const Real garbage = std::numeric_limits<Real>::quiet_NaN();
+    double* real = reinterpret_cast<double*>(work + size_t(n) * nrhs * sizeof(T) + size_t(n) * (n + nrhs) * sizeof(Low));
+    solve(reinterpret_cast<T*>(work), low, real);
+    if (*iter < 0)
         for (int j = 0; j < n; ++j)
-            for (size_t i = 0; i < size_t(n) * sizeof(T) / sizeof(Real); ++i)
-                reinterpret_cast<Real*>(dA + size_t(j) * ldda)[i] = garbage;
-    }
+            for (size_t i = 0; i < size_t(n) * sizeof(T) / sizeof(double); ++i)
+                reinterpret_cast<double*>(dA + size_t(j) * ldda)[i] = std::numeric_limits<double>::quiet_NaN();
     return CUSOLVER_STATUS_SUCCESS;
 }
 
@@ -94,6 +91,26 @@ cusolverStatus_t mixed(cusolverDnHandle_t h, const char* f, int n, int nrhs, T* 
         return launch(h, valid, [=] { \
             const char trans = t == CUBLAS_OP_N ? 'N' : t == CUBLAS_OP_T ? 'T' : 'C'; \
             STAND_IN_OPENBLAS(#p "getrs_", &trans, &n, &nrhs, A, &lda, ipiv, B, &ldb, info, oneChar); \
+        }); \
+    }
+
+// dsgesv and zcgesv; zcgesv's LAPACK routine takes a real workspace too.
+#define STAND_IN_MIXED(PQ, pq, T, Low, ...) \
+    cusolverStatus_t cusolverDn##PQ##gesv_bufferSize(cusolverDnHandle_t h, cusolver_int_t n, cusolver_int_t nrhs, T*, \
+                                                     cusolver_int_t, cusolver_int_t*, T*, cusolver_int_t, T*, \
+                                                     cusolver_int_t, void*, size_t* lwork_bytes) { \
+        if (h == nullptr) return CUSOLVER_STATUS_NOT_INITIALIZED; \
+        *lwork_bytes = mixedBytes<T, Low>(n, nrhs); \
+        return CUSOLVER_STATUS_SUCCESS; \
+    } \
+    cusolverStatus_t cusolverDn##PQ##gesv(cusolverDnHandle_t h, cusolver_int_t n, cusolver_int_t nrhs, T* dA, \
+                                          cusolver_int_t ldda, cusolver_int_t* dipiv, T* dB, cusolver_int_t lddb, \
+                                          T* dX, cusolver_int_t lddx, void* dWorkspace, size_t lwork_bytes, \
+                                          cusolver_int_t* iter, cusolver_int_t* d_info) { \
+        return mixed<T, Low>(h, "cusolverDn" #PQ "gesv", n, nrhs, dA, ldda, dipiv, dB, lddb, dX, lddx, dWorkspace, \
+                             lwork_bytes, iter, d_info, [&](T* work, Low* swork, [[maybe_unused]] double* rwork) { \
+            STAND_IN_OPENBLAS(#pq "gesv_", &n, &nrhs, dA, &ldda, dipiv, dB, &lddb, dX, &lddx, work, swork, \
+                              __VA_ARGS__ iter, d_info); \
         }); \
     }
 
@@ -132,40 +149,7 @@ STAND_IN_LU(s, S, float)
 STAND_IN_LU(d, D, double)
 STAND_IN_LU(c, C, C)
 STAND_IN_LU(z, Z, Z)
-
-cusolverStatus_t cusolverDnDSgesv_bufferSize(cusolverDnHandle_t h, cusolver_int_t n, cusolver_int_t nrhs, double*,
-                                             cusolver_int_t, cusolver_int_t*, double*, cusolver_int_t, double*,
-                                             cusolver_int_t, void*, size_t* lwork_bytes) {
-    if (h == nullptr) return CUSOLVER_STATUS_NOT_INITIALIZED;
-    *lwork_bytes = mixedBytes<double, float, double>(n, nrhs);
-    return CUSOLVER_STATUS_SUCCESS;
-}
-cusolverStatus_t cusolverDnZCgesv_bufferSize(cusolverDnHandle_t h, cusolver_int_t n, cusolver_int_t nrhs, Z*,
-                                             cusolver_int_t, cusolver_int_t*, Z*, cusolver_int_t, Z*, cusolver_int_t,
-                                             void*, size_t* lwork_bytes) {
-    if (h == nullptr) return CUSOLVER_STATUS_NOT_INITIALIZED;
-    *lwork_bytes = mixedBytes<Z, C, double>(n, nrhs);
-    return CUSOLVER_STATUS_SUCCESS;
-}
-cusolverStatus_t cusolverDnDSgesv(cusolverDnHandle_t h, cusolver_int_t n, cusolver_int_t nrhs, double* dA,
-                                  cusolver_int_t ldda, cusolver_int_t* dipiv, double* dB, cusolver_int_t lddb,
-                                  double* dX, cusolver_int_t lddx, void* dWorkspace, size_t lwork_bytes,
-                                  cusolver_int_t* iter, cusolver_int_t* d_info) {
-    return mixed<double, float, double>(
-        h, "cusolverDnDSgesv", n, nrhs, dA, ldda, dipiv, dB, lddb, dX, lddx, dWorkspace, lwork_bytes, iter, d_info,
-        [&](double* a, int* ipiv, double* b, double* x, double* work, float* swork, double*, int* it, int* info) {
-            STAND_IN_OPENBLAS("dsgesv_", &n, &nrhs, a, &ldda, ipiv, b, &lddb, x, &lddx, work, swork, it, info);
-        });
-}
-cusolverStatus_t cusolverDnZCgesv(cusolverDnHandle_t h, cusolver_int_t n, cusolver_int_t nrhs, Z* dA,
-                                  cusolver_int_t ldda, cusolver_int_t* dipiv, Z* dB, cusolver_int_t lddb, Z* dX,
-                                  cusolver_int_t lddx, void* dWorkspace, size_t lwork_bytes, cusolver_int_t* iter,
-                                  cusolver_int_t* d_info) {
-    return mixed<Z, C, double>(
-        h, "cusolverDnZCgesv", n, nrhs, dA, ldda, dipiv, dB, lddb, dX, lddx, dWorkspace, lwork_bytes, iter, d_info,
-        [&](Z* a, int* ipiv, Z* b, Z* x, Z* work, C* swork, double* rwork, int* it, int* info) {
-            STAND_IN_OPENBLAS("zcgesv_", &n, &nrhs, a, &ldda, ipiv, b, &lddb, x, &lddx, work, swork, rwork, it, info);
-        });
-}
+STAND_IN_MIXED(DS, ds, double, float)
+STAND_IN_MIXED(ZC, zc, Z, C, rwork,)
 
 }  // extern "C"
