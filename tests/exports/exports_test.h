@@ -1,19 +1,16 @@
 // What the export surface's tests share: the forwarded routines' facts read from
-// the routine tables, a call of a routine with a given number of words, and the
-// lines that the library writes to standard output during a stretch of calls.
+// the routine tables, a call of a routine with a given number of words, and what
+// a stretch of calls found while the log went to a file (StdoutCapture).
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <gmock/gmock.h>
 #include <stdexcept>
 #include <string>
 #include <type_traits>
-#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -105,60 +102,13 @@ uint64_t callBits(void* function, const std::vector<void*>& words) {
 }
 inline uint64_t callRoutine(void* function, Result result, const std::vector<void*>& words) {
     switch (result) {
-        case Result::real32:
-            return callBits<float>(function, words);
-        case Result::real64:
-            return callBits<double>(function, words);
-        case Result::int32:
-            return callBits<int32_t>(function, words);
-        case Result::byte:
-            return callBits<char>(function, words);
-        default:
-            return callBits<void>(function, words);
+        case Result::real32: return callBits<float>(function, words);
+        case Result::real64: return callBits<double>(function, words);
+        case Result::int32: return callBits<int32_t>(function, words);
+        case Result::byte: return callBits<char>(function, words);
+        default: return callBits<void>(function, words);
     }
 }
-
-// Sends standard output, where the library logs without VORN_DEBUG_LOG, to a file
-// and gives the lines written since the last look. Test messages written meanwhile
-// would mix in, so tests collect their findings and report after finish().
-class OutputLines {
-public:
-    OutputLines() : path_(tempPath("stdout")) {
-        std::fflush(stdout);
-        saved_ = dup(1);
-        FILE* out = std::fopen(path_.c_str(), "w");
-        dup2(fileno(out), 1);
-        std::fclose(out);
-    }
-    ~OutputLines() { finish(); }
-    // Reads the file anew from where the last look ended; on Windows, where
-    // standard output is in text mode, each line ends in CR LF.
-    std::vector<std::string> next() {
-        std::fflush(stdout);
-        std::ifstream in(path_, std::ios::binary);
-        in.seekg(static_cast<std::streamoff>(read_));
-        const std::string text{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-        read_ += text.size();
-        std::vector<std::string> lines;
-        for (std::size_t start = 0, end; (end = text.find('\n', start)) != std::string::npos; start = end + 1) {
-            lines.push_back(text.substr(start, end - start));
-            if (lines.back().ends_with('\r')) lines.back().pop_back();
-        }
-        return lines;
-    }
-    void finish() {
-        if (saved_ < 0) return;
-        std::fflush(stdout);
-        dup2(saved_, 1);
-        close(saved_);
-        saved_ = -1;
-    }
-
-private:
-    std::string path_;
-    int saved_ = -1;
-    std::size_t read_ = 0;
-};
 
 // What a stretch of calls found while the log went to a file, reported after it.
 struct Findings {

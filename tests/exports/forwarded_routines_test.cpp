@@ -1,8 +1,9 @@
-// The forwarded routines through the link library: every one of them, called by
-// its lower-case name with its table's word count, over a recording CPU library
-// (the words it receives, the log's lines, info, work queries, function results)
-// and over a CPU library that cannot be reached (nothing touched, results of 0).
-#include <map>
+// The CPU-only routines through the link library: every forwarded routine, called
+// by its lower-case name with its table's word count, and every logged routine,
+// held against its entry format as the design gives it. Over a recording CPU
+// library (the words it receives, the log's lines, info and an ILP64 caller's high
+// halves, work queries, function results) and over a CPU library that cannot be
+// reached (nothing touched but a logged routine's info, results of 0).
 #include <regex>
 #include <set>
 #include <sstream>
@@ -12,212 +13,12 @@
 
 namespace {
 
-const std::vector<RoutineFacts> routines = forwardedTable();
+const std::vector<RoutineFacts> forwarded = forwardedTable();
 
-bool contains(const std::vector<int>& list, int value) {
-    return std::find(list.begin(), list.end(), value) != list.end();
-}
-
-// The words of one call: valid memory where the frame or the CPU routine may read
-// or write (info, tested words, work lines, a complex result), each cell filled
-// with a pattern; elsewhere distinct addresses that fault if anything reads them.
-struct Call {
-    static constexpr unsigned char pattern = 0xA5;
-    std::vector<std::array<unsigned char, 16>> cells, before;
-    std::vector<void*> words;
-
-    // `query` puts -1 in the low half of one tested word (a different one from
-    // routine to routine), 0 in the others; the high halves keep the other value,
-    // so only a 32-bit reading sees the query.
-    Call(const RoutineFacts& routine, std::size_t index, bool query) : cells(routine.words), words(routine.words) {
-        void* const noAccess = noAccessPage();
-        const int queried = routine.tested.empty() ? 0 : routine.tested[index % routine.tested.size()];
-        for (int word = 1; word <= routine.words; ++word) {
-            auto& cell = cells[word - 1];
-            cell.fill(pattern);
-            const bool valid = (routine.info && word == routine.words) || contains(routine.tested, word) ||
-                               std::any_of(routine.lines.begin(), routine.lines.end(),
-                                           [&](const WorkLine& line) { return line.word == word; }) ||
-                               (routine.result == Result::complex && word == 1);
-            words[word - 1] = valid ? static_cast<void*>(cell.data()) : static_cast<char*>(noAccess) + 64 * word;
-            if (contains(routine.tested, word)) {
-                const int32_t halves[2] = {query && word == queried ? -1 : 0, query && word == queried ? 0 : -1};
-                std::memcpy(cell.data(), halves, sizeof halves);
-            }
-        }
-        // xerbla's third word is a length by value.
-        if (routine.name == "xerbla") words[2] = reinterpret_cast<void*>(0xFEDCBA9800000011);
-        before = cells;
-    }
-};
-
-std::string entryLine(const std::string& name) { return "vorn info:  " + name + " ()"; }
-const std::string issuingLine = "vorn info:  issuing to CPU (no GPU function available)";
-}  // namespace
-
-TEST(ForwardedRoutines, ClassesHaveTheirStatedSizes) {
-    std::map<std::pair<bool, bool>, int> classes;
-    std::map<std::size_t, int> lineCounts;
-    std::map<Result, int> results;
-    std::vector<std::string> noInfoTested, fourLines;
-    for (const auto& routine : routines) {
-        ++classes[{routine.info, !routine.tested.empty()}];
-        if (!routine.tested.empty()) ++lineCounts[routine.lines.size()];
-        if (!routine.info && !routine.tested.empty()) noInfoTested.push_back(routine.name);
-        if (routine.lines.size() == 4) fourLines.push_back(routine.name);
-        ++results[routine.result];
-    }
-    EXPECT_EQ(routines.size(), 1417u);
-    EXPECT_EQ(classes[std::make_pair(true, false)], 743);
-    EXPECT_EQ(classes[std::make_pair(true, true)], 216);
-    EXPECT_EQ(classes[std::make_pair(false, false)], 450);
-    EXPECT_THAT(noInfoTested, testing::UnorderedElementsAre("claqr2", "dlaqr2", "slaqr2", "zlaqr2", "claqr3", "dlaqr3",
-                                                            "slaqr3", "zlaqr3"));
-    EXPECT_EQ(lineCounts, (std::map<std::size_t, int>{{1, 108}, {2, 78}, {3, 34}, {4, 4}}));
-    EXPECT_THAT(fourLines, testing::UnorderedElementsAre("cggesx", "zggesx", "cggevx", "zggevx"));
-    EXPECT_EQ(results, (std::map<Result, int>{{Result::none, 1417 - 112},
-                                              {Result::real32, 38},
-                                              {Result::real64, 39},
-                                              {Result::int32, 28},
-                                              {Result::byte, 1},
-                                              {Result::complex, 6}}));
-}
-
-// Each routine is called twice: with info 0 and no query, then with a non-zero
-// info and one tested word at -1. The CPU routine writes info and element 1 of
-// each work line, and a function returns chosen bits.
-TEST(ForwardedRoutines, ReachTheirCpuRoutineWithTheirWordsAndReport) {
-    setEnv("VORN_CPU_LIB", RECORDING_CPU_PATH);
-    setEnv("VORN_VERBOSE", "1");
-    void* link = openLinkLibrary();
-    void* cpu = openLibrary(RECORDING_CPU_PATH);  // the one the link library loads
-    ForwardedCpuRecord& record = *reinterpret_cast<RecordingForwardedCpu>(librarySymbol(cpu, "recordingForwardedCpu"))();
-    Findings findings;
-    OutputLines output;
-
-    // The first call of the process: verbose is read in the start-up, after the
-    // place of the entry line.
-    Call first(routines[0], 0, false);
-    callRoutine(librarySymbol(link, routines[0].name.c_str()), routines[0].result, first.words);
-    const auto firstLines = output.next();
-    findings.expect(std::count(firstLines.begin(), firstLines.end(), entryLine(routines[0].name)) == 0 &&
-                        firstLines.size() >= 2 && firstLines.end()[-2] == issuingLine &&
-                        firstLines.back() == "vorn info:  done",
-                    "first call's lines:" + joined(firstLines));
-
-    for (std::size_t i = 0; i < routines.size(); ++i) {
-        const RoutineFacts& routine = routines[i];
-        for (bool query : {false, true}) {
-            const std::string what = routine.name + (query ? " (query)" : "");
-            Call call(routine, i, query);
-            record.info = !query ? 0 : i % 2 ? -static_cast<int32_t>(i) - 1 : static_cast<int32_t>(i) + 1;
-            record.result = 0xC0DE000000000000 ^ (uint64_t{i} << 24) ^ (query ? 0xA5A5A5A5 : 0x3C3C3C3C);
-            const int calls = record.calls;
-            const uint64_t result = callRoutine(librarySymbol(link, routine.name.c_str()), routine.result, call.words);
-
-            std::vector<void*> expectedWords = call.words;
-            if (routine.name == "xerbla") expectedWords[2] = reinterpret_cast<void*>(0x11);
-            findings.expect(record.calls == calls + 1 && record.routine == routine.name &&
-                                record.wordCount == routine.words &&
-                                std::equal(expectedWords.begin(), expectedWords.end(), record.words),
-                            what + ": words received");
-            const int width = routine.result == Result::real64 ? 64 : routine.result == Result::byte ? 8 : 32;
-            if (routine.result != Result::none && routine.result != Result::complex) {
-                findings.expect(result == (record.result & (~uint64_t{0} >> (64 - width))), what + ": result");
-            }
-            // The CPU routine's info stands, the high half as the caller left it.
-            if (routine.info) {
-                auto& cell = call.cells.back();
-                findings.expect(
-                    std::memcmp(cell.data(), &record.info, 4) == 0 &&
-                        std::all_of(cell.begin() + 4, cell.end(), [](auto c) { return c == Call::pattern; }),
-                    what + ": info");
-            }
-
-            std::vector<std::string> expected = {entryLine(routine.name), issuingLine};
-            if (routine.info && record.info != 0)
-                expected.push_back("vorn info:  info returned as " + std::to_string(record.info));
-            for (std::size_t k = 0; query && k < routine.lines.size(); ++k) {
-                const int value = routine.lines[k].real ? -(10 * static_cast<int>(k) + 2) : 1000 + static_cast<int>(k);
-                expected.push_back("vorn info:  work query returned " + std::to_string(value));
-            }
-            expected.push_back("vorn info:  done");
-            const auto lines = output.next();
-            findings.expect(lines == expected, what + ": lines" + joined(lines));
-        }
-    }
-    // The other spellings of xerbla hand its length word on whole to the one
-    // implementation, which passes only the low half.
-    const RoutineFacts& xerbla =
-        *std::find_if(routines.begin(), routines.end(), [](auto& r) { return r.name == "xerbla"; });
-    for (const char* name : {"xerbla_", "XERBLA", "XERBLA_"}) {
-        Call call(xerbla, 0, false);
-        callRoutine(librarySymbol(link, name), Result::none, call.words);
-        findings.expect(record.words[2] == reinterpret_cast<void*>(0x11) && record.words[1] == call.words[1],
-                        std::string(name) + ": words received");
-        const auto lines = output.next();
-        findings.expect(!lines.empty() && lines.front() == entryLine("xerbla"), std::string(name) + ": lines");
-    }
-    output.finish();
-    findings.report();
-}
-
-// A CPU routine that cannot be reached: its library is missing, or lacks the name.
-struct Unreached {
-    const char* name;
-    const char* cpuLibrary;
-    bool verbose;
-};
-void PrintTo(const Unreached& scenario, std::ostream* out) { *out << scenario.name; }
-class UnreachedCpuRoutine : public testing::TestWithParam<Unreached> {};
-
-TEST_P(UnreachedCpuRoutine, TouchesNothingAndGivesZero) {
-    const Unreached& scenario = GetParam();
-    const bool missingLibrary = std::string(scenario.cpuLibrary) != libraryWithoutLapack;
-    setEnv("VORN_CPU_LIB", scenario.cpuLibrary);
-    if (scenario.verbose) setEnv("VORN_VERBOSE", "1");
-    void* link = openLinkLibrary();
-    Findings findings;
-    OutputLines output;
-
-    // The first call: no entry line, whatever verbose says.
-    Call first(routines[0], 0, false);
-    callRoutine(librarySymbol(link, routines[0].name.c_str()), routines[0].result, first.words);
-    const auto firstLines = output.next();
-    findings.expect(std::count(firstLines.begin(), firstLines.end(), entryLine(routines[0].name)) == 0,
-                    "first call's lines:" + joined(firstLines));
-
-    for (std::size_t i = 0; i < routines.size(); ++i) {
-        const RoutineFacts& routine = routines[i];
-        for (int repeat = 0; repeat < 2; ++repeat) {
-            Call call(routine, i, repeat == 1);
-            const uint64_t result = callRoutine(librarySymbol(link, routine.name.c_str()), routine.result, call.words);
-            findings.expect(result == 0, routine.name + ": result");
-            findings.expect(call.cells == call.before, routine.name + ": memory written");
-            std::vector<std::string> expected;
-            if (scenario.verbose) expected.push_back(entryLine(routine.name));
-            if (missingLibrary) {
-                expected.push_back("vorn error: a previous attempt at initialization failed, cannot continue");
-            } else {
-                if (scenario.verbose) expected.push_back(issuingLine);
-                expected.push_back("vorn error: Failed to read symbol '" + routine.name + "' from '" + libraryWithoutLapack + "'");
-            }
-            const auto lines = output.next();
-            findings.expect(lines == expected, routine.name + ": lines" + joined(lines));
-        }
-    }
-    output.finish();
-    findings.report();
-}
-INSTANTIATE_TEST_SUITE_P(Scenarios, UnreachedCpuRoutine,
-                         testing::Values(Unreached{"MissingLibrary", "libvorn-no-such-library.so", true},
-                                         Unreached{"MissingSymbols", libraryWithoutLapack, false}),
-                         [](const auto& info) { return std::string(info.param.name); });
-
-// The logged CPU-only routines, held against their entry formats as the design
-// gives them: the routines of a row, their word count and the conversions their
-// entry line prints from word 1 on. Twelve have info as their last word.
-namespace {
+// The logged routines' entry formats as the design gives them: the routines of a
+// row, their word count and the conversions their entry line prints from word 1 on.
+// Twelve have info as their last word; the mixed-precision solvers' iter is the
+// word before it.
 struct LoggedRow {
     const char* names;
     int words;
@@ -244,149 +45,267 @@ const LoggedRow loggedRows[] = {
 const std::set<std::string> loggedWithInfo = {"clag2z", "dlag2s", "slag2d", "zlag2c", "dlat2s", "zlat2c",
                                               "clascl", "dlascl", "slascl", "zlascl", "dsposv", "zcposv"};
 
-struct LoggedCall {
-    std::string name, entry;
-    int words;
-    bool info;
-    std::vector<std::array<unsigned char, 16>> cells;
-    std::vector<void*> pointers;
-};
+const std::string issuingLine = "vorn info:  issuing to CPU (no GPU function available)";
+const std::string excludedLine = "vorn info:  issuing to CPU (excluded by user)";
+const std::string unavailableLine = "vorn info:  issuing to CPU (vorn not available)";
 
-// One call of each logged routine. Each printed word's cell holds a value of its
-// conversion's type (a letter, an integer, a real or complex of the routine's
-// precision), so the expected line can be formatted from the same cells; info
-// holds a pattern in both halves.
-std::vector<LoggedCall> loggedCalls() {
-    std::vector<LoggedCall> calls;
-    for (const LoggedRow& row : loggedRows) {
-        std::istringstream names(row.names);
-        for (std::string name; names >> name;) {
-            LoggedCall& call = calls.emplace_back();
-            call.name = name, call.words = row.words, call.info = loggedWithInfo.count(name) > 0;
-            call.cells.resize(row.words);
-            for (auto& cell : call.cells) cell.fill(0xA5);
-            for (auto& cell : call.cells) call.pointers.push_back(cell.data());
-            const bool single = name[0] == 's' || name[0] == 'c';
-            auto real = [&](unsigned char* at, double value) -> std::string {
-                if (single) {
-                    const float f = static_cast<float>(value);
-                    std::memcpy(at, &f, 4);
-                } else {
-                    std::memcpy(at, &value, 8);
-                }
-                char text[64];
-                std::snprintf(text, sizeof text, "%f", value);
-                return text;
-            };
-            std::string entry = "vorn info:  " + name + " (", separator;
-            const std::string list = row.conversions;
-            const std::regex conversion(R"(\(%f,%f\)|%[cdpf])");
-            int word = 0;
-            for (auto it = std::sregex_iterator(list.begin(), list.end(), conversion); it != std::sregex_iterator();
-                 ++it, ++word) {
-                unsigned char* at = call.cells[word].data();
-                char text[128];
-                if (it->str() == "%c") {
-                    at[0] = static_cast<unsigned char>('A' + word);
-                    std::snprintf(text, sizeof text, "%c", at[0]);
-                } else if (it->str() == "%d") {
-                    const int32_t value = 100 * word - 250;
-                    std::memcpy(at, &value, 4);
-                    std::snprintf(text, sizeof text, "%d", value);
-                } else if (it->str() == "%p") {
-                    std::snprintf(text, sizeof text, "%p", static_cast<void*>(at));
-                } else if (it->str() == "%f") {
-                    std::snprintf(text, sizeof text, "%s", real(at, word + 0.25).c_str());
-                } else {
-                    const std::string re = real(at, word + 0.25), im = real(at + (single ? 4 : 8), -word - 0.5);
-                    std::snprintf(text, sizeof text, "(%s,%s)", re.c_str(), im.c_str());
-                }
-                entry += separator + text;
-                separator = ", ";
-            }
-            call.entry = entry + ")";
+// One call of a routine, made twice (`second`: with a non-zero info from the CPU
+// routine, a work query for a forwarded routine). Its words address cells filled
+// with a pattern where the frame or the CPU routine may read or write, elsewhere
+// distinct addresses that fault if anything reads them.
+struct Call {
+    static constexpr unsigned char pattern = 0xA5;
+    std::string name, entry;
+    bool logged = false, second = false, info = false;
+    int iter = 0;  // the word of the mixed-precision solvers' iter
+    Result result = Result::none;
+    std::vector<std::string> queryLines;
+    std::vector<std::array<unsigned char, 16>> cells;
+    std::vector<void*> words;
+
+    Call(const std::string& routine, int count, bool again, auto valid) : name(routine), second(again), cells(count) {
+        for (int word = 1; word <= count; ++word) {
+            cells[word - 1].fill(pattern);
+            words.push_back(valid(word) ? cells[word - 1].data() : static_cast<unsigned char*>(noAccessPage()) + 64 * word);
         }
     }
+    std::string what() const { return name + (second ? " (second)" : ""); }
+};
+
+bool contains(const std::vector<int>& list, int value) {
+    return std::find(list.begin(), list.end(), value) != list.end();
+}
+
+// A forwarded routine's work query puts -1 in the low half of one tested word (a
+// different one from routine to routine), 0 in the others; the high halves keep
+// the other value, so only a 32-bit reading sees the query.
+Call forwardedCall(const RoutineFacts& routine, std::size_t index, bool query) {
+    Call call(routine.name, routine.words, query, [&](int word) {
+        return (routine.info && word == routine.words) || contains(routine.tested, word) ||
+               std::any_of(routine.lines.begin(), routine.lines.end(), [&](auto& line) { return line.word == word; }) ||
+               (routine.result == Result::complex && word == 1);
+    });
+    call.entry = "vorn info:  " + routine.name + " ()", call.info = routine.info, call.result = routine.result;
+    const int queried = routine.tested.empty() ? 0 : routine.tested[index % routine.tested.size()];
+    for (int word : routine.tested) {
+        const int32_t halves[2] = {query && word == queried ? -1 : 0, query && word == queried ? 0 : -1};
+        std::memcpy(call.cells[word - 1].data(), halves, sizeof halves);
+    }
+    for (std::size_t k = 0; query && k < routine.lines.size(); ++k) {
+        const int value = routine.lines[k].real ? static_cast<int>(realWorkAnswer(k)) : integerWorkAnswer(k);
+        call.queryLines.push_back("vorn info:  work query returned " + std::to_string(value));
+    }
+    // xerbla's third word is a length by value.
+    if (routine.name == "xerbla") call.words[2] = reinterpret_cast<void*>(0xFEDCBA9800000011);
+    return call;
+}
+
+// A logged routine's call: each word its entry line prints as a value holds one of
+// its conversion's type (a letter, an integer, a real or complex of the routine's
+// precision), so that the expected line is formatted from the same cells.
+Call loggedCall(const std::string& name, const LoggedRow& row, bool second) {
+    const std::string list = row.conversions;
+    const std::regex comma(", ");
+    const std::vector<std::string> kinds(std::sregex_token_iterator(list.begin(), list.end(), comma, -1), {});
+    const bool info = loggedWithInfo.count(name) > 0, mixed = name == "dsposv" || name == "zcposv";
+    Call call(name, row.words, second, [&](int word) {
+        return (word <= static_cast<int>(kinds.size()) && kinds[word - 1] != "%p") || (info && word >= row.words - mixed);
+    });
+    call.logged = true, call.info = info, call.iter = mixed ? row.words - 1 : 0;
+    const bool single = name[0] == 's' || name[0] == 'c';
+    auto real = [&](unsigned char* at, double value) {
+        const float f = static_cast<float>(value);
+        single ? std::memcpy(at, &f, 4) : std::memcpy(at, &value, 8);
+        char text[64];
+        std::snprintf(text, sizeof text, "%f", value);
+        return std::string(text);
+    };
+    call.entry = "vorn info:  " + name + " (";
+    for (int word = 1; word <= static_cast<int>(kinds.size()); ++word) {
+        unsigned char* at = call.cells[word - 1].data();
+        const std::string& kind = kinds[word - 1];
+        const int32_t integer = 100 * word - 250;
+        if (kind == "%c") at[0] = static_cast<unsigned char>('A' + word);
+        if (kind == "%d") std::memcpy(at, &integer, 4);
+        call.entry += (word > 1 ? ", " : "") +
+                      (kind == "%c"   ? std::string(1, static_cast<char>(at[0]))
+                       : kind == "%d" ? std::to_string(integer)
+                       : kind == "%p" ? pointerText(call.words[word - 1])
+                       : kind == "%f" ? real(at, word + 0.25)
+                                      : "(" + real(at, word + 0.25) + "," + real(at + (single ? 4 : 8), -word - 0.5) + ")");
+    }
+    call.entry += ")";
+    return call;
+}
+
+// Each routine twice; the logged ones first where `loggedFirst`.
+std::vector<Call> allCalls(bool loggedFirst) {
+    std::vector<Call> calls;
+    for (std::size_t i = 0; i < forwarded.size(); ++i)
+        for (bool second : {false, true}) calls.push_back(forwardedCall(forwarded[i], i, second));
+    for (const LoggedRow& row : loggedRows) {
+        std::istringstream names(row.names);
+        for (std::string name; names >> name;)
+            for (bool second : {false, true}) calls.push_back(loggedCall(name, row, second));
+    }
+    if (loggedFirst) std::stable_partition(calls.begin(), calls.end(), [](const Call& call) { return call.logged; });
     return calls;
 }
+
+uint64_t invoke(void* link, const Call& call) {
+    void* function = librarySymbol(link, call.name.c_str());
+    if (function == nullptr) throw std::runtime_error(call.name + " is not exported");
+    return callRoutine(function, call.result, call.words);
+}
+
+// The first call of a process: the start-up's lines come among its own, and a
+// forwarded routine loses its entry line (verbose is read in the start-up, after
+// the line's place) where a logged routine keeps it.
+void firstCall(void* link, const Call& first, StdoutCapture& output, Findings& findings,
+               std::vector<std::string> expected) {
+    invoke(link, first);
+    if (!first.logged) std::erase(expected, first.entry);
+    const auto lines = output.next();
+    std::vector<std::string> own;  // the lines expected and the entry line, in their order
+    for (const auto& line : lines)
+        if (line == first.entry || std::count(expected.begin(), expected.end(), line) > 0) own.push_back(line);
+    findings.expect(own == expected, "first call, " + first.name + ":" + joined(lines));
+}
+
 }  // namespace
 
-// Each logged routine prints its entry line (the very first call of a process
-// too), gives "excluded by user" whatever the routing settings, and hands its
-// words unchanged to the CPU routine, whose info it reports. For an ILP64 caller
-// the high halves of info and of the mixed-precision solvers' iter are cleared.
-TEST(LoggedRoutines, PrintTheirWordsAndReachTheirCpuRoutine) {
+TEST(CpuOnlyRoutines, AreAsManyAsTheDesignStates) {
+    EXPECT_EQ(forwarded.size(), 1417u);
+    std::set<std::string> logged, designed;
+#define LOGGED(name, ...) logged.insert(#name);
+#include "routines/cpu/logged_routines.inc"
+#undef LOGGED
+    for (const LoggedRow& row : loggedRows) {
+        std::istringstream names(row.names);
+        for (std::string name; names >> name;) designed.insert(name);
+    }
+    EXPECT_EQ(designed.size(), 48u);
+    EXPECT_EQ(logged, designed);
+}
+
+// Each routine hands its words unchanged to its CPU routine (xerbla's length word
+// only its low half), whose info and result it reports; a forwarded routine gives
+// "no GPU function available", a logged one "excluded by user" whatever the
+// routing settings. Info's high half (and iter's) is cleared for an ILP64 caller,
+// else left as the caller left it. Without ILP64 a forwarded routine comes first
+// in the process, with it a logged one.
+class ReachedCpuRoutine : public testing::TestWithParam<bool> {};
+TEST_P(ReachedCpuRoutine, GetsTheWordsAndIsReported) {
+    const bool ilp64 = GetParam();
     setEnv("VORN_CPU_LIB", RECORDING_CPU_PATH);
     setEnv("VORN_VERBOSE", "1");
     setEnv("VORN_CPU_ALWAYS", "1");
-    setEnv("VORN_ILP64", "1");
+    if (ilp64) setEnv("VORN_ILP64", "1");
     void* link = openLinkLibrary();
-    void* cpu = openLibrary(RECORDING_CPU_PATH);
+    void* cpu = openLibrary(RECORDING_CPU_PATH);  // the one the link library loads
     ForwardedCpuRecord& record = *reinterpret_cast<RecordingForwardedCpu>(librarySymbol(cpu, "recordingForwardedCpu"))();
-    std::vector<LoggedCall> calls = loggedCalls();
-    ASSERT_EQ(calls.size(), 48u);
-    std::stable_partition(calls.begin(), calls.end(), [](const LoggedCall& c) { return c.name == "dgemv"; });
+    std::vector<Call> calls = allCalls(ilp64);
     Findings findings;
-    OutputLines output;
-    for (std::size_t i = 0; i < calls.size(); ++i) {
-        LoggedCall& call = calls[i];
-        record.info = call.info ? (i % 2 ? -static_cast<int32_t>(i) - 1 : static_cast<int32_t>(i) + 1) : 0;
-        callRoutine(librarySymbol(link, call.name.c_str()), Result::none, call.pointers);
-        findings.expect(record.routine == call.name && record.wordCount == call.words &&
-                            std::equal(call.pointers.begin(), call.pointers.end(), record.words),
-                        call.name + ": words received");
-        auto cleared = [&](int word, bool lowWritten) {
-            const auto& cell = call.cells[word - 1];
-            const bool low = !lowWritten || std::memcmp(cell.data(), &record.info, 4) == 0;
-            return low && std::all_of(cell.begin() + 4, cell.begin() + 8, [](auto c) { return c == 0; });
-        };
-        if (call.info) findings.expect(cleared(call.words, true), call.name + ": info");
-        if (call.name == "dsposv" || call.name == "zcposv")
-            findings.expect(cleared(call.words - 1, false), call.name + ": iter");
-        std::vector<std::string> expected = {call.entry, "vorn info:  issuing to CPU (excluded by user)"};
-        if (call.info) expected.push_back("vorn info:  info returned as " + std::to_string(record.info));
+    StdoutCapture output;
+    auto expectedLines = [&](const Call& call) {
+        std::vector<std::string> expected = {call.entry, call.logged ? excludedLine : issuingLine};
+        if (call.info && record.info != 0) expected.push_back("vorn info:  info returned as " + std::to_string(record.info));
+        expected.insert(expected.end(), call.queryLines.begin(), call.queryLines.end());
         expected.push_back("vorn info:  done");
-        auto lines = output.next();
-        if (i == 0) {  // the start-up's lines come first, and the CPU library's is issued after the reason
-            lines.erase(lines.begin(), std::find(lines.begin(), lines.end(), call.entry));
-            expected.insert(expected.begin() + 2, "vorn info:  CPU library is " RECORDING_CPU_PATH);
-        }
-        findings.expect(lines == expected, call.name + ": lines" + joined(lines));
+        return expected;
+    };
+    record.info = 0;
+    firstCall(link, calls[0], output, findings, expectedLines(calls[0]));
+
+    for (std::size_t i = 0; i < calls.size(); ++i) {
+        Call& call = calls[i];
+        const auto before = call.cells;
+        record.info = !call.second ? 0 : i % 2 ? -static_cast<int32_t>(i) - 1 : static_cast<int32_t>(i) + 1;
+        record.result = 0xC0DE000000000000 ^ (uint64_t{i} << 24) ^ (call.second ? 0xA5A5A5A5 : 0x3C3C3C3C);
+        const int calledBefore = record.calls;
+        const uint64_t result = invoke(link, call);
+
+        std::vector<void*> expectedWords = call.words;
+        if (call.name == "xerbla") expectedWords[2] = reinterpret_cast<void*>(0x11);
+        findings.expect(record.calls == calledBefore + 1 && record.routine == call.name &&
+                            record.wordCount == static_cast<int>(call.words.size()) &&
+                            std::equal(expectedWords.begin(), expectedWords.end(), record.words),
+                        call.what() + ": words received");
+        const int width = call.result == Result::real64 ? 64 : call.result == Result::byte ? 8 : 32;
+        if (call.result != Result::none && call.result != Result::complex)
+            findings.expect(result == (record.result & (~uint64_t{0} >> (64 - width))), call.what() + ": result");
+        auto expectCell = [&](int word, const int32_t* low, const char* what) {
+            auto cell = before[word - 1];
+            if (low != nullptr) std::memcpy(cell.data(), low, 4);
+            if (ilp64) std::fill(cell.begin() + 4, cell.begin() + 8, 0);
+            findings.expect(call.cells[word - 1] == cell, call.what() + what);
+        };
+        if (call.info) expectCell(static_cast<int>(call.words.size()), &record.info, ": info");
+        if (call.iter) expectCell(call.iter, nullptr, ": iter");
+        const auto lines = output.next();
+        findings.expect(lines == expectedLines(call), call.what() + ": lines" + joined(lines));
     }
-    output.finish();
+    // The other spellings of xerbla hand its length word on whole to the one
+    // implementation, which passes only the low half.
+    Call xerbla = forwardedCall(*std::find_if(forwarded.begin(), forwarded.end(), [](auto& r) { return r.name == "xerbla"; }),
+                                0, false);
+    for (const char* name : {"xerbla_", "XERBLA", "XERBLA_"}) {
+        callRoutine(librarySymbol(link, name), Result::none, xerbla.words);
+        findings.expect(record.words[2] == reinterpret_cast<void*>(0x11) && record.words[1] == xerbla.words[1],
+                        std::string(name) + ": words received");
+        const auto lines = output.next();
+        findings.expect(!lines.empty() && lines.front() == xerbla.entry, std::string(name) + ": lines");
+    }
+    output.stop();
     findings.report();
 }
+INSTANTIATE_TEST_SUITE_P(Ilp64, ReachedCpuRoutine, testing::Bool(),
+                         [](const auto& info) { return std::string(info.param ? "On" : "Off"); });
 
-// Where the CPU routine cannot be reached, info is 0 in both halves of an ILP64
-// caller's integer and nothing else is touched; after a failed GPU start-up the
-// reason is "vorn not available".
-class LoggedUnreached : public testing::TestWithParam<const char*> {};
-TEST_P(LoggedUnreached, LeavesInfoZeroAndTouchesNothingElse) {
-    const bool missingLibrary = std::string(GetParam()) != libraryWithoutLapack;
-    setEnv("VORN_CPU_LIB", GetParam());
-    setEnv("VORN_VERBOSE", "1");
+// A CPU routine that cannot be reached: its library is missing, or lacks the name;
+// the GPU library did not start either, which gives a logged routine the reason
+// "vorn not available". A logged routine leaves its info 0 in both halves of an
+// ILP64 caller's integer; nothing else is touched, and a function gives 0.
+struct Unreached {
+    const char* name;
+    const char* cpuLibrary;
+    bool verbose;
+};
+void PrintTo(const Unreached& scenario, std::ostream* out) { *out << scenario.name; }
+class UnreachedCpuRoutine : public testing::TestWithParam<Unreached> {};
+
+TEST_P(UnreachedCpuRoutine, TouchesNothingButLoggedInfoAndGivesZero) {
+    const Unreached& scenario = GetParam();
+    const bool missingLibrary = std::string(scenario.cpuLibrary) != libraryWithoutLapack;
+    setEnv("VORN_CPU_LIB", scenario.cpuLibrary);
+    if (scenario.verbose) setEnv("VORN_VERBOSE", "1");
     setEnv("VORN_ILP64", "1");
     setEnv("VORN_EMU_INIT_STATUS", "1");
     void* link = openLinkLibrary();
+    std::vector<Call> calls = allCalls(false);
     Findings findings;
-    OutputLines output;
-    for (LoggedCall& call : loggedCalls()) {
+    StdoutCapture output;
+    firstCall(link, calls[0], output, findings, {});  // whatever verbose says
+
+    for (Call& call : calls) {
         auto expectedCells = call.cells;
-        if (call.info) std::fill(expectedCells.back().begin(), expectedCells.back().begin() + 8, 0);
-        callRoutine(librarySymbol(link, call.name.c_str()), Result::none, call.pointers);
-        findings.expect(call.cells == expectedCells, call.name + ": memory");
-        auto lines = output.next();
-        // The first call's start-up lines come before its entry line.
-        lines.erase(lines.begin(), std::find(lines.begin(), lines.end(), call.entry));
-        const std::string reached =
-            missingLibrary ? "vorn error: " : "vorn error: Failed to read symbol '" + call.name + "' from '" + GetParam() + "'";
-        findings.expect(lines.size() >= 3 && lines[0] == call.entry &&
-                            lines[1] == "vorn info:  issuing to CPU (vorn not available)" &&
-                            lines.back().starts_with(reached) && lines.back() != "vorn info:  done",
-                        call.name + ": lines" + joined(lines));
+        if (call.logged && call.info) std::fill(expectedCells.back().begin(), expectedCells.back().begin() + 8, 0);
+        const uint64_t result = invoke(link, call);
+        findings.expect(result == 0, call.what() + ": result");
+        findings.expect(call.cells == expectedCells, call.what() + ": memory");
+        std::vector<std::string> expected;
+        if (scenario.verbose) expected.push_back(call.entry);
+        if (scenario.verbose && (call.logged || !missingLibrary)) expected.push_back(call.logged ? unavailableLine : issuingLine);
+        expected.push_back(missingLibrary ? "vorn error: a previous attempt at initialization failed, cannot continue"
+                                          : "vorn error: Failed to read symbol '" + call.name + "' from '" +
+                                                libraryWithoutLapack + "'");
+        const auto lines = output.next();
+        findings.expect(lines == expected, call.what() + ": lines" + joined(lines));
     }
-    output.finish();
+    output.stop();
     findings.report();
 }
-INSTANTIATE_TEST_SUITE_P(CpuLibrary, LoggedUnreached, testing::Values("libvorn-no-such-library.so", libraryWithoutLapack),
-                         [](const auto& info) { return std::string(info.index == 0 ? "Missing" : "WithoutSymbols"); });
+INSTANTIATE_TEST_SUITE_P(Scenarios, UnreachedCpuRoutine,
+                         testing::Values(Unreached{"MissingLibrary", "libvorn-no-such-library.so", true},
+                                         Unreached{"MissingSymbols", libraryWithoutLapack, false}),
+                         [](const auto& info) { return std::string(info.param.name); });

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
+#include <iterator>
 #include <system_error>
 #include <unistd.h>
 
@@ -20,32 +20,24 @@
 extern char** environ;
 #endif
 
-#if defined(_WIN32)
-// Windows' C library (msvcrt) has neither mkdtemp nor setenv, and its getenv sees
-// only what _putenv sets, not SetEnvironmentVariable. The stand-ins below give
-// the tests what the POSIX calls give them on Linux.
-
-// A new folder in the system's temporary folder, as mkdtemp makes one in /tmp.
+// A new folder in the system's temporary folder, as mkdtemp makes one in /tmp
+// (which Windows' C library, msvcrt, does not have).
 static std::string makeTempFolder() {
     const std::filesystem::path base = std::filesystem::temp_directory_path();
     for (unsigned attempt = 0; attempt < 1000; ++attempt) {
-        char name[32];
-        std::snprintf(name, sizeof name, "vorn-test-%u-%u", static_cast<unsigned>(getpid()), attempt);
+        const std::string name = "vorn-test-" + std::to_string(getpid()) + "-" + std::to_string(attempt);
         std::error_code error;
         if (std::filesystem::create_directory(base / name, error)) return (base / name).string();
     }
     std::abort();
 }
 
+#if defined(_WIN32)
+// msvcrt has no setenv either, and its getenv sees only what _putenv sets, not
+// SetEnvironmentVariable.
 static void setenv(const char* name, const char* value, int) {
     const std::string entry = std::string(name) + "=" + value;
     _putenv(entry.c_str());  // copies the entry
-}
-#else
-static std::string makeTempFolder() {
-    std::string pattern = "/tmp/vorn-test-XXXXXX";
-    if (mkdtemp(pattern.data()) == nullptr) std::abort();
-    return pattern;
 }
 #endif
 
@@ -69,9 +61,7 @@ std::string tempPath(const std::string& name) {
 
 std::string readFile(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
-    std::stringstream content;
-    content << in.rdbuf();
-    return content.str();
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
 std::vector<std::string> readLines(const std::string& path) {
@@ -150,21 +140,29 @@ StdoutCapture::StdoutCapture() : path_(tempPath("stdout-" + std::to_string(std::
 
 StdoutCapture::~StdoutCapture() { stop(); }
 
+std::vector<std::string> StdoutCapture::next() {
+    std::fflush(stdout);
+    std::ifstream in(path_, std::ios::binary);
+    in.seekg(static_cast<std::streamoff>(read_));
+    const std::string text{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    read_ += text.size();
+    std::vector<std::string> lines;
+    for (std::size_t start = 0, end; (end = text.find('\n', start)) != std::string::npos; start = end + 1) {
+        lines.push_back(text.substr(start, end - start));
+        if (lines.back().ends_with('\r')) lines.back().pop_back();
+    }
+    return lines;
+}
+
 std::string StdoutCapture::stop() {
     if (savedFd_ < 0) return {};
     std::fflush(stdout);
     dup2(savedFd_, 1);
     close(savedFd_);
     savedFd_ = -1;
-#if defined(_WIN32)
-    // Descriptor 1 is in text mode, as the file that replaced it: each newline
-    // written reached the file as CR LF. Read back in text mode, what the program
-    // wrote comes back as it wrote it.
+    // On Windows descriptor 1 is in text mode, as the file that replaced it: each
+    // newline written reached the file as CR LF, which a text-mode read gives back
+    // as it was written.
     std::ifstream in(path_);
-    std::stringstream content;
-    content << in.rdbuf();
-    return content.str();
-#else
-    return readFile(path_);
-#endif
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }

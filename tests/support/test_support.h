@@ -42,13 +42,18 @@ void* noAccessPage();
 int runProgram(const std::string& path, const std::string& argument);
 
 // Sends file descriptor 1 to a file until stop(), which gives what was written.
+// next() gives the lines written since its last call (on Windows, where standard
+// output is in text mode, their CR LF ends read as line ends). Test messages
+// written meanwhile would mix in: tests collect their findings and report after stop().
 class StdoutCapture {
 public:
     StdoutCapture();
     ~StdoutCapture();
+    std::vector<std::string> next();
     std::string stop();
 
 private:
     int savedFd_ = -1;
     std::string path_;
+    std::size_t read_ = 0;
 };
