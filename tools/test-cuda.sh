@@ -41,7 +41,7 @@ run_each "$bundle/tests/cuda_library_tests"
 run_each "$bundle/tests/link_lu_multiply_tests" LINK_TEST_TOLERANCE=1
 
 echo "passed $passed, failed $failed, skipped $skipped"
-echo "(on a GPU machine three skips are expected: the no-GPU start-up test and the two"
-echo " family tests that need the emulator; RoutinesRefuseUntilStarted skips after its first half)"
+echo "(on a GPU machine three skips are expected: RoutinesRefuseUntilStartedAndTouchNothing after"
+echo " its first half (the start-up without a GPU), and the two family tests that need the emulator)"
 for f in "${failures[@]}"; do echo "FAILED: $f"; done
 [ "$failed" -eq 0 ]
