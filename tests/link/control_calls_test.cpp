@@ -43,9 +43,8 @@ struct Expected {
     // Factors an n x n matrix and adds the call's lines: the entry line, the
     // issuing line, `extra` (lines of the CPU library's binding) and "done".
     void spotrfCall(int n, const char* issuing, std::vector<std::string> extra = {}) {
-        auto a = spdMatrix(n, n);
-        int info = -99;
-        spotrf("L", &n, a.data(), &n, &info);
+        int info;
+        const auto a = factor('L', n, &info);
         EXPECT_EQ(info, 0) << "n = " << n;
         log.push_back(spotrfEntryLine('L', n, a.data(), n));
         log.push_back(issuing);

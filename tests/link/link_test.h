@@ -61,6 +61,22 @@ inline bool sameBits(const std::vector<float>& x, const std::vector<float>& y) {
     return x.size() == y.size() && std::memcmp(x.data(), y.data(), x.size() * sizeof(float)) == 0;
 }
 
+// Factors spdMatrix(n, n) through the link library: gives the array after the
+// call (its data is the array the call got) and sets *info (-99 before the call).
+inline std::vector<float> factor(char uplo, int n, int* info) {
+    auto a = spdMatrix(n, n);
+    *info = -99;
+    spotrf(&uplo, &n, a.data(), &n, info);
+    return a;
+}
+// The same call, its array held against the reference factor bit for bit.
+inline void expectReferenceFactor(char uplo, int n) {
+    int info, referenceInfo;
+    const auto a = factor(uplo, n, &info);
+    EXPECT_EQ(info, 0);
+    EXPECT_TRUE(sameBits(a, referenceFactor(uplo, n, n, spdMatrix(n, n), &referenceInfo)));
+}
+
 // Log and record files of this test; setting them must precede the first call.
 inline std::string useLogFile() {
     std::string path = tempPath("vorn.log");
@@ -73,12 +89,14 @@ inline std::string useRecord() {
     return path;
 }
 
-// The entry line that spotrf writes for these arguments.
+// The entry line that spotrf writes for these arguments, and the call the
+// emulator records for them.
+inline std::string spotrfArguments(char uplo, int n, const void* a, int lda) {
+    return std::string(1, uplo) + ", " + std::to_string(n) + ", " + pointerText(a) + ", " + std::to_string(lda) + ")";
+}
 inline std::string spotrfEntryLine(char uplo, int n, const void* a, int lda) {
-    return "vorn info:  spotrf (" + std::string(1, uplo) + ", " + std::to_string(n) + ", " +
-           pointerText(a) + ", " + std::to_string(lda) + ")";
+    return "vorn info:  spotrf (" + spotrfArguments(uplo, n, a, lda);
 }
 inline std::string emulatorSpotrfLine(char uplo, int n, const void* a, int lda) {
-    return "vornSpotrf(" + std::string(1, uplo) + ", " + std::to_string(n) + ", " + pointerText(a) + ", " +
-           std::to_string(lda) + ")";
+    return "vornSpotrf(" + spotrfArguments(uplo, n, a, lda);
 }
