@@ -1,7 +1,7 @@
 // The routed frame for rows of class A (no info) and class C (info and a work
 // query), over a fake GPU library defined here and the recording CPU library:
-// the GPU statuses and info, work queries, the failure exits, info in ILP64
-// mode, and the exact log lines of each. The routing of each routine, its
+// the GPU statuses and info, work queries, the failure exits, info in LP64 and
+// ILP64 mode, and the exact log lines of each. The routing of each routine, its
 // measure and its results are the family tests' (tests/link).
 #include <cstdint>
 #include <cstdio>
@@ -131,15 +131,34 @@ public:
     }
 };
 
-// Starts both back ends over the recording CPU library, so that each case below
-// sees only its own lines; gives what the start-up logged.
-Lines startUp(Log& log) {
+// Starts both back ends over the recording CPU library.
+void startUp() {
     setEnv("VORN_CPU_LIB", RECORDING_CPU_PATH);
     linkInitGpu();
     linkInitCpu();
     crossoverTable.spotrf = 1024;
-    return log.next();
 }
+
+// The tests of class C, each in LP64 and in ILP64 mode, after the start-up, so
+// that each case sees only its own lines. In ILP64 mode the CPU routine writes
+// the high half of info too: there the high half is 0 at every return; in LP64
+// mode it is never touched.
+class FrameClassC : public testing::TestWithParam<bool> {
+protected:
+    Log log;
+    void SetUp() override {
+        if (GetParam()) setEnv("VORN_ILP64", "1");
+        cpu.infoHigh = GetParam() ? 0x5a5a5a5a : 0;
+        startUp();
+        log.next();
+    }
+    void expectInfo(int64_t info, int32_t value) {
+        EXPECT_EQ(low(info), value);
+        EXPECT_EQ(high(info), GetParam() ? 0u : presetHigh);
+    }
+};
+INSTANTIATE_TEST_SUITE_P(Integers, FrameClassC, testing::Bool(),
+                         [](const auto& info) { return info.param ? "Ilp64" : "Lp64"; });
 
 const std::string issuing = "vorn info:  issuing to ", done = "vorn info:  done";
 Lines operator+(Lines a, const Lines& b) { return a.insert(a.end(), b.begin(), b.end()), a; }
@@ -154,9 +173,7 @@ Lines retried(int status) {
 // A work query (lwork of -1 and nothing else) goes to the CPU whatever the
 // settings, and reports info first, then each work array's first element in the
 // table's order, truncated towards zero in the row's own precision.
-TEST(FrameClassC, WorkQueryGoesToTheCpuAndReportsWork) {
-    Log log;
-    startUp(log);
+TEST_P(FrameClassC, WorkQueryGoesToTheCpuAndReportsWork) {
     const std::string returned = "vorn info:  work query returned ";
     struct Case {
         bool syevd;
@@ -193,18 +210,14 @@ TEST(FrameClassC, WorkQueryGoesToTheCpuAndReportsWork) {
         if (query) {
             EXPECT_EQ(cpuWords(), c.syevd ? syevd.words() : getri.words());
         }
-        const int64_t info = c.syevd ? syevd.info : getri.info;
-        EXPECT_EQ(low(info), query ? c.info : 0);
-        EXPECT_EQ(high(info), presetHigh);
+        expectInfo(c.syevd ? syevd.info : getri.info, query ? c.info : 0);
     }
 }
 
 // Class C: statuses 7 and 8 are answers whose info the GPU library gives (no line
 // when it is 0); status 0 leaves info 0; any other status retries on the CPU,
 // whose info is reported.
-TEST(FrameClassC, GpuStatusesAndInfo) {
-    Log log;
-    startUp(log);
+TEST_P(FrameClassC, GpuStatusesAndInfo) {
     struct Case {
         int status, errorInfo, cpuInfo, info;
     };
@@ -224,8 +237,7 @@ TEST(FrameClassC, GpuStatusesAndInfo) {
         EXPECT_EQ(gpu.args, text("4096 %p 5 %p", call.a, call.ipiv));
         EXPECT_EQ(gpu.calls, 1);
         EXPECT_EQ(cpu.calls, retry);
-        EXPECT_EQ(low(call.info), c.info);
-        EXPECT_EQ(high(call.info), presetHigh);
+        expectInfo(call.info, c.info);
     }
 }
 
@@ -257,9 +269,7 @@ TEST(FrameExit, MissingCpuLibrary) {
 
 // Exit F2: a routine the CPU library lacks returns with info 0 and no "done" line,
 // and each call looks the symbol up again and repeats the error.
-TEST(FrameExit, MissingSymbol) {
-    Log log;
-    startUp(log);
+TEST_P(FrameClassC, MissingSymbolExit) {
     const std::string missing = "vorn error: Failed to read symbol 'dfakemissing' from '" RECORDING_CPU_PATH "'";
     for (int status : {-1, 4, -1}) {  // -1: under the crossover, no GPU call
         gpu.status = status;
@@ -268,39 +278,9 @@ TEST(FrameExit, MissingSymbol) {
         const Lines head{call.entry("dfakemissing"),
                          issuing + (status < 0 ? "CPU (under threshold)" : "GPU (over threshold)")};
         EXPECT_EQ(log.next(), head + (status < 0 ? Lines{} : retried(4)) + Lines{missing});
-        EXPECT_EQ(low(call.info), 0);
-        EXPECT_EQ(high(call.info), presetHigh);
+        expectInfo(call.info, 0);
     }
     EXPECT_EQ(cpu.calls, 0);
-}
-
-// ILP64 mode: info's high half is 0 at every return, also where the CPU routine
-// wrote something there.
-TEST(FrameIlp64, InfoHighHalfIsZeroAtEveryReturn) {
-    Log log;
-    setEnv("VORN_ILP64", "1");
-    startUp(log);
-    cpu.infoHigh = 0x5a5a5a5a;
-    struct Case {
-        int status, errorInfo, cpuInfo;
-        int64_t n, lwork;
-        bool missing;
-        int32_t info;
-    };
-    const Case cases[] = {{0, 9, 9, 4096, 10, false, 0},   {7, 3, 9, 4096, 10, false, 3},
-                          {8, -2, 9, 4096, 10, false, -2}, {0, 0, 5, 10, 10, false, 5},
-                          {4, 0, -1, 4096, 10, false, -1}, {0, 0, -4, 4096, -1, false, -4},
-                          {0, 0, 9, 10, 10, true, 0},      {4, 0, 9, 4096, 10, true, 0}};
-    for (const Case& c : cases) {
-        SCOPED_TRACE(text("status %d n %d lwork %d missing %d", c.status, low(c.n), low(c.lwork), c.missing));
-        gpu.status = c.status;
-        gpu.errorInfo = c.errorInfo;
-        cpu.info = c.cpuInfo;
-        GetriCall call{c.n, c.lwork};
-        c.missing ? run<Dmissing>(call) : run<Dgetri>(call);
-        EXPECT_EQ(low(call.info), c.info);
-        EXPECT_EQ(high(call.info), 0u);
-    }
 }
 
 // With verbose off only the error lines are written, to stdout: a class A
@@ -308,10 +288,7 @@ TEST(FrameIlp64, InfoHighHalfIsZeroAtEveryReturn) {
 // the CPU calls write nothing.
 TEST(FrameVerbose, OffWritesOnlyErrorLines) {
     StdoutCapture capture;
-    setEnv("VORN_CPU_LIB", RECORDING_CPU_PATH);
-    linkInitGpu();
-    linkInitCpu();
-    crossoverTable.spotrf = 1024;
+    startUp();
     gpu.status = 7;
     gpu.errorInfo = 3;
     GemmCall gemm{4096, 1, 1};
