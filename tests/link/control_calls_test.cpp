@@ -5,11 +5,6 @@
 
 #include "link_test.h"
 
-extern "C" void vornLinkSetCpuAlways();
-extern "C" void vornLinkSetGpuAlways();
-extern "C" void vornLinkClearCpuAlways();
-extern "C" void vornLinkClearGpuAlways();
-
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 

@@ -13,6 +13,11 @@
 
 // The link library's export, in the argument convention of its callers.
 extern "C" void spotrf(const char* uplo, const void* n, float* a, const void* lda, void* info);
+// The control calls.
+extern "C" void vornLinkSetCpuAlways();
+extern "C" void vornLinkSetGpuAlways();
+extern "C" void vornLinkClearCpuAlways();
+extern "C" void vornLinkClearGpuAlways();
 // The reference for spotrf's results. On Linux, OpenBLAS's own spotrf_, with
 // gfortran's hidden length: the program links OpenBLAS, but the name spotrf_
 // belongs to the link library, which comes first, so it is taken from OpenBLAS's
