@@ -1,6 +1,7 @@
 // The run-time control calls: each runs the start-up, then sets or clears one
-// flag, which the next routed call reads; the flags' order against the other
-// reasons, and the one-time test of both flags set. Each test is its own process.
+// flag, which the next routed call reads; the same flags from the environment;
+// the flags' order against the other reasons, and the one-time test of both flags
+// set. Each test is its own process.
 #include <gtest/gtest.h>
 
 #include "link_test.h"
@@ -10,10 +11,9 @@ using testing::ElementsAreArray;
 
 namespace {
 
-// Sizes under and at spotrf's default crossover; `listed` lowers the crossover
-// through a list file, and a call at `overListed` going to the GPU proves it read.
+// Sizes under and at spotrf's default crossover; the list lowers the crossover to
+// 64, and a call at `overListed` going to the GPU proves it read.
 constexpr int under = 8;
-constexpr int listed = 64;
 constexpr int overListed = 100;
 
 const char* const cpuAlwaysLine = "vorn info:  issuing to CPU (configured to always choose CPU)";
@@ -54,59 +54,56 @@ struct Expected {
 
 // A control call as the first call of the process runs the whole start-up (the
 // GPU library's initialisation, the list, the environment read before the flag is
-// written, so the call wins) and rules the routines after it.
+// written, so the call wins) and rules the routines after it. Without a control
+// call, VORN_CPU_ALWAYS and VORN_GPU_ALWAYS rule, with the exact value "1" only.
+// A routine the list excludes outranks gpuAlways.
 struct FirstCallCase {
     const char* name;
-    void (*call)();
-    const char* environment;  // set to "1" before the call; null for none
+    void (*call)();  // null: none
     int n;
     const char* issuing;
+    const char* environment = nullptr;  // set to `value` before the call
+    const char* value = "1";
+    const char* crossover = "64";  // the list's value for spotrf: overListed is over it, under under it
     friend void PrintTo(const FirstCallCase& c, std::ostream* out) { *out << c.name; }
 };
-class FirstControlCall : public testing::TestWithParam<FirstCallCase> {};
-TEST_P(FirstControlCall, RunsTheStartUpAndRulesLaterCalls) {
+class FirstCall : public testing::TestWithParam<FirstCallCase> {};
+TEST_P(FirstCall, StartUpAndFlagsRuleTheCallsAfterIt) {
     const auto& c = GetParam();
     const std::string log = useLogFile();
     const std::string record = useRecord();
-    const std::string list = useCrossoverList("spotrf=" + std::to_string(listed) + "\n");
-    if (c.environment != nullptr) setEnv(c.environment, "1");
-    c.call();
+    const std::string list = useCrossoverList("spotrf=" + std::string(c.crossover) + "\n");
+    if (c.environment != nullptr) setEnv(c.environment, c.value);
     Expected expected;
     expected.log = {"vorn info:  parsing crossover list '" + list + "'",
-                    "vorn info:  setting crossover for spotrf to '" + std::to_string(listed) + "'"};
-    EXPECT_THAT(readLines(log), ElementsAreArray(expected.log));
-    EXPECT_THAT(readLines(record), ElementsAreArray(expected.record));
-
+                    "vorn info:  setting crossover for spotrf to '" + std::string(c.crossover) + "'"};
+    if (c.call != nullptr) {
+        c.call();
+        EXPECT_THAT(readLines(log), ElementsAreArray(expected.log));
+        EXPECT_THAT(readLines(record), ElementsAreArray(expected.record));
+    }
     const bool onCpu = std::string(c.issuing).find("to CPU") != std::string::npos;
     expected.spotrfCall(c.n, c.issuing, onCpu ? std::vector<std::string>{cpuLibraryLine} : std::vector<std::string>{});
     expected.spotrfCall(c.n, c.issuing);
     EXPECT_THAT(readLines(log), ElementsAreArray(expected.log));
     EXPECT_THAT(readLines(record), ElementsAreArray(expected.record));
 }
+const char* const excludedLine = "vorn info:  issuing to CPU (excluded by user)";
 INSTANTIATE_TEST_SUITE_P(
-    ControlCalls, FirstControlCall,
-    testing::Values(FirstCallCase{"SetCpuAlways", vornLinkSetCpuAlways, nullptr, overListed, cpuAlwaysLine},
-                    FirstCallCase{"SetGpuAlways", vornLinkSetGpuAlways, nullptr, under, gpuAlwaysLine},
-                    FirstCallCase{"ClearCpuAlwaysOverVornCpuAlways", vornLinkClearCpuAlways, "VORN_CPU_ALWAYS",
-                                  overListed, overLine},
-                    FirstCallCase{"ClearGpuAlwaysOverVornGpuAlways", vornLinkClearGpuAlways, "VORN_GPU_ALWAYS",
-                                  under, underLine}),
+    ControlCalls, FirstCall,
+    testing::Values(FirstCallCase{"SetCpuAlways", vornLinkSetCpuAlways, overListed, cpuAlwaysLine},
+                    FirstCallCase{"SetGpuAlways", vornLinkSetGpuAlways, under, gpuAlwaysLine},
+                    FirstCallCase{"ClearCpuAlwaysOverVornCpuAlways", vornLinkClearCpuAlways, overListed, overLine,
+                                  "VORN_CPU_ALWAYS"},
+                    FirstCallCase{"ClearGpuAlwaysOverVornGpuAlways", vornLinkClearGpuAlways, under, underLine,
+                                  "VORN_GPU_ALWAYS"},
+                    FirstCallCase{"ExcludedUnderSetGpuAlways", vornLinkSetGpuAlways, spotrfCrossover, excludedLine,
+                                  nullptr, "", "never"},
+                    FirstCallCase{"VornCpuAlways", nullptr, overListed, cpuAlwaysLine, "VORN_CPU_ALWAYS"},
+                    FirstCallCase{"VornCpuAlwaysTrue", nullptr, overListed, overLine, "VORN_CPU_ALWAYS", "true"},
+                    FirstCallCase{"VornGpuAlways", nullptr, under, gpuAlwaysLine, "VORN_GPU_ALWAYS"},
+                    FirstCallCase{"VornGpuAlwaysOneBlank", nullptr, under, underLine, "VORN_GPU_ALWAYS", "1 "}),
     [](const auto& info) { return std::string(info.param.name); });
-
-// A routine excluded by the list outranks gpuAlways: it stays on the CPU, whatever
-// its size.
-TEST(ControlCalls, ExcludedRoutineStaysOnTheCpuUnderGpuAlways) {
-    const std::string log = useLogFile();
-    const std::string record = useRecord();
-    useCrossoverList("spotrf=never\n");
-    vornLinkSetGpuAlways();
-    Expected expected;
-    const char* excluded = "vorn info:  issuing to CPU (excluded by user)";
-    expected.spotrfCall(under, excluded, {cpuLibraryLine});
-    expected.spotrfCall(spotrfCrossover, excluded);
-    EXPECT_THAT(linesStartingWith(readLines(log), "vorn info:  issuing"), ElementsAre(excluded, excluded));
-    EXPECT_THAT(readLines(record), ElementsAre("vornInitialize()"));
-}
 
 // Both flags set before the CPU library is bound: the first routine goes to the
 // CPU, whose binding reports the pair once and clears both; later calls follow

@@ -83,33 +83,6 @@ INSTANTIATE_TEST_SUITE_P(Paths, UnopenableLog, testing::Values("/nonexistent-fol
 INSTANTIATE_TEST_SUITE_P(Paths, UnopenableLog, testing::Values("/nonexistent-folder/vorn.log", ""));
 #endif
 
-// VORN_CPU_ALWAYS and VORN_GPU_ALWAYS count only with the exact value "1".
-struct RoutingCase {
-    const char* variable;
-    const char* value;
-    int n;
-    const char* issuingLine;
-    friend void PrintTo(const RoutingCase& c, std::ostream* out) {
-        *out << c.variable << "='" << c.value << "' n=" << c.n;
-    }
-};
-class RoutingSetting : public testing::TestWithParam<RoutingCase> {};
-TEST_P(RoutingSetting, ChoosesTheSide) {
-    const auto& c = GetParam();
-    const std::string log = useLogFile();
-    setEnv(c.variable, c.value);
-    int info;
-    factor('U', c.n, &info);
-    EXPECT_EQ(info, 0);
-    EXPECT_THAT(linesStartingWith(readLines(log), "vorn info:  issuing"), ElementsAre(c.issuingLine));
-}
-INSTANTIATE_TEST_SUITE_P(
-    ExactOne, RoutingSetting,
-    testing::Values(RoutingCase{"VORN_CPU_ALWAYS", "1", 1100, "vorn info:  issuing to CPU (configured to always choose CPU)"},
-                    RoutingCase{"VORN_CPU_ALWAYS", "true", 1100, "vorn info:  issuing to GPU (over threshold)"},
-                    RoutingCase{"VORN_GPU_ALWAYS", "1", 4, "vorn info:  issuing to GPU (configured to always choose GPU)"},
-                    RoutingCase{"VORN_GPU_ALWAYS", "1 ", 4, "vorn info:  issuing to CPU (under threshold)"}));
-
 // In ILP64 mode integers are 8 bytes: the library reads the low half and leaves a
 // full 64-bit info. In the default mode the high half of info is not touched.
 struct Ilp64Case {
