@@ -106,15 +106,22 @@ INSTANTIATE_TEST_SUITE_P(Modes, Ilp64Setting,
                          testing::Values(Ilp64Case{"1", 0}, Ilp64Case{"true", 0xFFFFFFFF00000000u},
                                          Ilp64Case{"11", 0xFFFFFFFF00000000u}));
 
+// The failed start's lines come first, the crossover list is read all the same,
+// and every routine runs on the CPU.
 TEST(Startup, FailedGpuStartLogsBeforeAnythingElseAndRoutesToCpu) {
     const std::string log = useLogFile();
     const std::string record = useRecord();
+    const std::string list = tempPath("crossovers.txt");
+    writeFile(list, "spotrf=5\n");
+    setEnv("VORN_CROSSOVER_LIST", list);
     setEnv("VORN_EMU_INIT_STATUS", "1");
     int info;
     const auto a = factor('U', 1100, &info);
     EXPECT_EQ(info, 0);
     EXPECT_THAT(readLines(log), ElementsAre("vorn error: vornInitialize failed (no GPU present)",
                                             "vorn info:  forwarding all calls to CPU",
+                                            "vorn info:  parsing crossover list '" + list + "'",
+                                            "vorn info:  setting crossover for spotrf to '5'",
                                             spotrfEntryLine('U', 1100, a.data(), 1100),
                                             "vorn info:  issuing to CPU (vorn not available)",
                                             cpuLibraryLine, "vorn info:  done"));

@@ -1,9 +1,8 @@
 // The crossover list file: how its lines read (one table of lists, each applied
-// to the defaults with info lines on and off), and, each test its own process,
-// how the start-up reads it. That the routing follows a list read at start-up
-// is the control call tests' (tests/link), the crossover's edge the family tests'.
+// to the defaults with info lines on and off), and, in a process of its own, a
+// list the start-up cannot read. That the start-up reads a list, also after a
+// failed GPU start, and that the routing follows it are the link tests'.
 #include <cstring>
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "core/link_state.h"
@@ -12,7 +11,6 @@
 #include "routing/crossover_table.h"
 #include "test_support.h"
 
-using testing::ElementsAre;
 using Lines = std::vector<std::string>;
 
 namespace {
@@ -26,18 +24,6 @@ std::string invalid(const std::string& name, const std::string& value) {
     return "vorn error: invalid crossover for '" + name + "' (" + value + ")";
 }
 std::string badLine(const std::string& text) { return "vorn error: invalid crossover specification: " + text; }
-
-// Writes the list, names it and the log in the environment, runs the start-up,
-// and gives the log's lines.
-Lines startWithList(const std::string& content) {
-    const std::string list = tempPath("crossovers.txt");
-    writeFile(list, content);
-    setEnv("VORN_CROSSOVER_LIST", list);
-    const std::string log = tempPath("vorn.log");
-    setEnv("VORN_DEBUG_LOG", log);
-    linkInitGpu();
-    return readLines(log);
-}
 
 }  // namespace
 
@@ -104,16 +90,6 @@ TEST(CrossoverList, LinesReadAsTheListFileDefines) {
                 EXPECT_EQ(crossoverTable.*entry, value == -2 ? defaults.*entry : value);
         }
     }
-}
-
-// The start-up reads the list also after a failed GPU start, and sets the entry.
-TEST(CrossoverList, ReadAfterAFailedGpuStart) {
-    setEnv("VORN_EMU_INIT_STATUS", "1");
-    EXPECT_THAT(startWithList("spotrf=5\n"),
-                ElementsAre("vorn error: vornInitialize failed (no GPU present)", "vorn info:  forwarding all calls to CPU",
-                            "vorn info:  parsing crossover list '" + tempPath("crossovers.txt") + "'",
-                            setting("spotrf", "5")));
-    EXPECT_EQ(crossoverTable.spotrf, 5);
 }
 
 TEST(CrossoverList, UnreadableListKeepsTheDefaults) {
