@@ -7,7 +7,6 @@
 #include "link_test.h"
 
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 
 namespace {
 
@@ -29,26 +28,6 @@ std::string useCrossoverList(const std::string& content) {
     setEnv("VORN_CROSSOVER_LIST", path);
     return path;
 }
-
-// The log and the emulator's record that a sequence of spotrf calls should leave.
-struct Expected {
-    std::vector<std::string> log;
-    std::vector<std::string> record{"vornInitialize()"};
-
-    // Factors an n x n matrix and adds the call's lines: the entry line, the
-    // issuing line, `extra` (lines of the CPU library's binding) and "done".
-    void spotrfCall(int n, const char* issuing, std::vector<std::string> extra = {}) {
-        int info;
-        const auto a = factor('L', n, &info);
-        EXPECT_EQ(info, 0) << "n = " << n;
-        log.push_back(spotrfEntryLine('L', n, a.data(), n));
-        log.push_back(issuing);
-        log.insert(log.end(), extra.begin(), extra.end());
-        log.push_back("vorn info:  done");
-        if (std::string(issuing).find("to GPU") != std::string::npos)
-            record.push_back(emulatorSpotrfLine('L', n, a.data(), n));
-    }
-};
 
 }  // namespace
 
@@ -79,14 +58,12 @@ TEST_P(FirstCall, StartUpAndFlagsRuleTheCallsAfterIt) {
                     "vorn info:  setting crossover for spotrf to '" + std::string(c.crossover) + "'"};
     if (c.call != nullptr) {
         c.call();
-        EXPECT_THAT(readLines(log), ElementsAreArray(expected.log));
-        EXPECT_THAT(readLines(record), ElementsAreArray(expected.record));
+        expected.check(log, record);
     }
     const bool onCpu = std::string(c.issuing).find("to CPU") != std::string::npos;
     expected.spotrfCall(c.n, c.issuing, onCpu ? std::vector<std::string>{cpuLibraryLine} : std::vector<std::string>{});
     expected.spotrfCall(c.n, c.issuing);
-    EXPECT_THAT(readLines(log), ElementsAreArray(expected.log));
-    EXPECT_THAT(readLines(record), ElementsAreArray(expected.record));
+    expected.check(log, record);
 }
 const char* const excludedLine = "vorn info:  issuing to CPU (excluded by user)";
 INSTANTIATE_TEST_SUITE_P(
@@ -119,8 +96,7 @@ TEST(ControlCalls, BothSetBeforeCpuBindingAreIgnoredOnce) {
     expected.spotrfCall(under, underLine);
     vornLinkSetCpuAlways();  // a single flag is no pair: it rules as usual
     expected.spotrfCall(spotrfCrossover, cpuAlwaysLine);
-    EXPECT_THAT(readLines(log), ElementsAreArray(expected.log));
-    EXPECT_THAT(readLines(record), ElementsAreArray(expected.record));
+    expected.check(log, record);
 }
 
 // Both flags set after the CPU library was bound: nothing looks at the pair again,
@@ -139,8 +115,7 @@ TEST(ControlCalls, BothSetAfterCpuBindingKeepCpuUntilCleared) {
     vornLinkClearGpuAlways();
     expected.spotrfCall(under, underLine);
     expected.spotrfCall(spotrfCrossover, overLine);
-    EXPECT_THAT(readLines(log), ElementsAreArray(expected.log));
-    EXPECT_THAT(readLines(record), ElementsAreArray(expected.record));
+    expected.check(log, record);
 }
 
 // With info lines on, the control calls, first or later, in any order and

@@ -44,21 +44,13 @@ inline const std::string cpuLibraryLine = std::string("vorn info:  CPU library i
 
 inline constexpr int spotrfCrossover = 1024;
 
-// A column-major n x n matrix with leading dimension lda; symmetric positive
-// definite unless `definite` is false (then its (k,k) element is negative).
-inline std::vector<float> spdMatrix(int n, int lda, bool definite = true, int k = 2) {
-    std::vector<float> a(static_cast<std::size_t>(lda) * n, -7.0f);  // padding rows stay -7
+// A column-major symmetric positive definite n x n matrix.
+inline std::vector<float> spdMatrix(int n) {
+    std::vector<float> a(static_cast<std::size_t>(n) * n);
     for (int j = 0; j < n; ++j)
         for (int i = 0; i < n; ++i)
-            a[i + static_cast<std::size_t>(j) * lda] =
+            a[i + static_cast<std::size_t>(j) * n] =
                 i == j ? static_cast<float>(n) : 1.0f / static_cast<float>(1 + (i > j ? i - j : j - i));
-    if (!definite) a[(k - 1) + static_cast<std::size_t>(k - 1) * lda] = -1.0f;
-    return a;
-}
-
-// The reference factor of the same matrix, and its info.
-inline std::vector<float> referenceFactor(char uplo, int n, int lda, std::vector<float> a, int* info) {
-    referenceSpotrf(uplo, n, a.data(), lda, info);
     return a;
 }
 
@@ -66,20 +58,22 @@ inline bool sameBits(const std::vector<float>& x, const std::vector<float>& y) {
     return x.size() == y.size() && std::memcmp(x.data(), y.data(), x.size() * sizeof(float)) == 0;
 }
 
-// Factors spdMatrix(n, n) through the link library: gives the array after the
-// call (its data is the array the call got) and sets *info (-99 before the call).
+// Factors spdMatrix(n) through the link library: gives the array after the call
+// (its data is the array the call got) and sets *info (-99 before the call).
 inline std::vector<float> factor(char uplo, int n, int* info) {
-    auto a = spdMatrix(n, n);
+    auto a = spdMatrix(n);
     *info = -99;
     spotrf(&uplo, &n, a.data(), &n, info);
     return a;
 }
-// The same call, its array held against the reference factor bit for bit.
+// The same call, its array held bit for bit against the reference's.
 inline void expectReferenceFactor(char uplo, int n) {
     int info, referenceInfo;
     const auto a = factor(uplo, n, &info);
+    auto reference = spdMatrix(n);
+    referenceSpotrf(uplo, n, reference.data(), n, &referenceInfo);
     EXPECT_EQ(info, 0);
-    EXPECT_TRUE(sameBits(a, referenceFactor(uplo, n, n, spdMatrix(n, n), &referenceInfo)));
+    EXPECT_TRUE(sameBits(a, reference));
 }
 
 // Log and record files of this test; setting them must precede the first call.
@@ -105,3 +99,27 @@ inline std::string spotrfEntryLine(char uplo, int n, const void* a, int lda) {
 inline std::string emulatorSpotrfLine(char uplo, int n, const void* a, int lda) {
     return "vornSpotrf(" + spotrfArguments(uplo, n, a, lda);
 }
+
+// The log and the emulator's record that a sequence of spotrf calls should leave.
+struct Expected {
+    std::vector<std::string> log;
+    std::vector<std::string> record{"vornInitialize()"};
+
+    // Factors an n x n matrix and adds the call's lines: the entry line, the
+    // issuing line, `extra` (lines of the CPU library's binding) and "done".
+    void spotrfCall(int n, const std::string& issuing, const std::vector<std::string>& extra = {}) {
+        int info;
+        const auto a = factor('L', n, &info);
+        EXPECT_EQ(info, 0) << "n = " << n;
+        log.push_back(spotrfEntryLine('L', n, a.data(), n));
+        log.push_back(issuing);
+        log.insert(log.end(), extra.begin(), extra.end());
+        log.push_back("vorn info:  done");
+        if (issuing.find("to GPU") != std::string::npos) record.push_back(emulatorSpotrfLine('L', n, a.data(), n));
+    }
+    // The log and the record hold exactly the lines expected.
+    void check(const std::string& logPath, const std::string& recordPath) const {
+        EXPECT_THAT(readLines(logPath), testing::ElementsAreArray(log));
+        EXPECT_THAT(readLines(recordPath), testing::ElementsAreArray(record));
+    }
+};
