@@ -40,7 +40,6 @@ namespace {
 enum class Measure { product, sum, none };
 
 struct RootRow {
-    const char* root;
     const char* bases;      // the routines of the row
     const char* kinds;      // one kind per word; "X" marks the next word as host-only
     const char* characters; // values of the character words, in order
@@ -52,29 +51,29 @@ struct RootRow {
 
 // Small problems: every dimension at most 6, every leading dimension 8.
 const std::vector<RootRow> rows = {
-    {"gemm", "sgemm dgemm cgemm zgemm", "cciiiSpipiSpi", "NT", {5, 4, 3, 8, 8, 8}, Measure::product, {0, 1, 2}, 4194304},
-    {"symm", "ssymm dsymm csymm zsymm", "cciiSpipiSpi", "LU", {5, 4, 8, 8, 8}, Measure::product, {0, 1}, 262144},
-    {"hemm", "chemm zhemm", "cciiSpipiSpi", "RL", {5, 4, 8, 8, 8}, Measure::product, {0, 1}, 262144},
-    {"syrk", "ssyrk dsyrk csyrk zsyrk", "cciiSpiSpi", "UN", {5, 3, 8, 8}, Measure::product, {0, 1}, 262144},
-    {"herk", "cherk zherk", "cciiRpiRpi", "LC", {5, 3, 8, 8}, Measure::product, {0, 1}, 262144},
-    {"syr2k", "ssyr2k dsyr2k csyr2k zsyr2k", "cciiSpipiSpi", "LN", {5, 3, 8, 8, 8}, Measure::product, {0, 1}, 262144},
-    {"her2k", "cher2k zher2k", "cciiSpipiRpi", "UN", {5, 3, 8, 8, 8}, Measure::product, {0, 1}, 262144},
-    {"trmm", "strmm dtrmm ctrmm ztrmm", "cccciiSpipi", "LUNN", {5, 4, 8, 8}, Measure::product, {0, 1}, 262144},
-    {"trsm", "strsm dtrsm ctrsm ztrsm", "cccciiSpipi", "RLTN", {5, 4, 8, 8}, Measure::product, {0, 1}, 262144},
-    {"symv", "ssymv dsymv", "ciSpipiSpi", "U", {6, 8, 1, 1}, Measure::product, {0}, 512},
-    {"hemv", "chemv zhemv", "ciSpipiSpi", "L", {6, 8, 1, 1}, Measure::product, {0}, 512},
-    {"potrf", "spotrf", "cipio", "U", {6, 8}, Measure::product, {0}, 1024},
-    {"getrf", "sgetrf dgetrf cgetrf zgetrf", "iipiIo", "", {6, 5, 8}, Measure::product, {0, 1}, 1048576},
-    {"getrs", "sgetrs dgetrs cgetrs zgetrs", "ciipiIpio", "N", {6, 2, 8, 8}, Measure::product, {0}, 1024},
-    {"getri", "sgetri dgetri cgetri zgetri", "ipiIXpXwo", "", {6, 8, 64}, Measure::product, {0}, 1024},
-    {"gesv", "sgesv dgesv cgesv zgesv", "iipiIpio", "", {6, 2, 8, 8}, Measure::product, {0, 1}, 1048576},
-    {"gbtrf", "sgbtrf dgbtrf cgbtrf zgbtrf", "iiiipiIo", "", {6, 6, 1, 2, 8}, Measure::sum, {2, 3}, 1024},
-    {"dsgesv", "dsgesv", "iipiIpipiWpXfXIo", "", {6, 2, 8, 8, 8}, Measure::product, {0, 1}, 1048576},
-    {"zcgesv", "zcgesv", "iipiIpipiWpXFXdXIo", "", {6, 2, 8, 8, 8}, Measure::product, {0, 1}, 1048576},
-    {"gemv", "sgemv dgemv cgemv zgemv", "ciiSpipiSpi", "T", {5, 4, 8, 1, 1}, Measure::none, {}, 0},
-    {"lacpy", "slacpy dlacpy clacpy zlacpy", "ciipipi", "L", {5, 4, 8, 8}, Measure::none, {}, 0},
-    {"lascl", "slascl dlascl clascl zlascl", "ciiRRiipio", "G", {0, 0, 5, 4, 8}, Measure::none, {}, 0},
-    {"laset", "slaset dlaset claset zlaset", "ciiSSpi", "U", {5, 4, 8}, Measure::none, {}, 0},
+    {"sgemm dgemm cgemm zgemm", "cciiiSpipiSpi", "NT", {5, 4, 3, 8, 8, 8}, Measure::product, {0, 1, 2}, 4194304},
+    {"ssymm dsymm csymm zsymm", "cciiSpipiSpi", "LU", {5, 4, 8, 8, 8}, Measure::product, {0, 1}, 262144},
+    {"chemm zhemm", "cciiSpipiSpi", "RL", {5, 4, 8, 8, 8}, Measure::product, {0, 1}, 262144},
+    {"ssyrk dsyrk csyrk zsyrk", "cciiSpiSpi", "UN", {5, 3, 8, 8}, Measure::product, {0, 1}, 262144},
+    {"cherk zherk", "cciiRpiRpi", "LC", {5, 3, 8, 8}, Measure::product, {0, 1}, 262144},
+    {"ssyr2k dsyr2k csyr2k zsyr2k", "cciiSpipiSpi", "LN", {5, 3, 8, 8, 8}, Measure::product, {0, 1}, 262144},
+    {"cher2k zher2k", "cciiSpipiRpi", "UN", {5, 3, 8, 8, 8}, Measure::product, {0, 1}, 262144},
+    {"strmm dtrmm ctrmm ztrmm", "cccciiSpipi", "LUNN", {5, 4, 8, 8}, Measure::product, {0, 1}, 262144},
+    {"strsm dtrsm ctrsm ztrsm", "cccciiSpipi", "RLTN", {5, 4, 8, 8}, Measure::product, {0, 1}, 262144},
+    {"ssymv dsymv", "ciSpipiSpi", "U", {6, 8, 1, 1}, Measure::product, {0}, 512},
+    {"chemv zhemv", "ciSpipiSpi", "L", {6, 8, 1, 1}, Measure::product, {0}, 512},
+    {"spotrf", "cipio", "U", {6, 8}, Measure::product, {0}, 1024},
+    {"sgetrf dgetrf cgetrf zgetrf", "iipiIo", "", {6, 5, 8}, Measure::product, {0, 1}, 1048576},
+    {"sgetrs dgetrs cgetrs zgetrs", "ciipiIpio", "N", {6, 2, 8, 8}, Measure::product, {0}, 1024},
+    {"sgetri dgetri cgetri zgetri", "ipiIXpXwo", "", {6, 8, 64}, Measure::product, {0}, 1024},
+    {"sgesv dgesv cgesv zgesv", "iipiIpio", "", {6, 2, 8, 8}, Measure::product, {0, 1}, 1048576},
+    {"sgbtrf dgbtrf cgbtrf zgbtrf", "iiiipiIo", "", {6, 6, 1, 2, 8}, Measure::sum, {2, 3}, 1024},
+    {"dsgesv", "iipiIpipiWpXfXIo", "", {6, 2, 8, 8, 8}, Measure::product, {0, 1}, 1048576},
+    {"zcgesv", "iipiIpipiWpXFXdXIo", "", {6, 2, 8, 8, 8}, Measure::product, {0, 1}, 1048576},
+    {"sgemv dgemv cgemv zgemv", "ciiSpipiSpi", "T", {5, 4, 8, 1, 1}, Measure::none, {}, 0},
+    {"slacpy dlacpy clacpy zlacpy", "ciipipi", "L", {5, 4, 8, 8}, Measure::none, {}, 0},
+    {"slascl dlascl clascl zlascl", "ciiRRiipio", "G", {0, 0, 5, 4, 8}, Measure::none, {}, 0},
+    {"slaset dlaset claset zlaset", "ciiSSpi", "U", {5, 4, 8}, Measure::none, {}, 0},
 };
 
 std::vector<std::string> basesOf(const RootRow& row) {
@@ -165,11 +164,8 @@ Call buildCall(const RootRow& row, const std::string& base, const std::vector<in
             }
             case 'o': store(8); break;  // info: never shown
             default: {  // arrays: random values, a strong diagonal for leading dimension 8
-                std::size_t parts = complex ? 2 : 1, partSize = real;
-                if (*kind == 'f' || *kind == 'F') partSize = 4;
-                if (*kind == 'd' || *kind == 'D') partSize = 8;
-                if (*kind == 'f' || *kind == 'd') parts = 1;
-                if (*kind == 'F' || *kind == 'D') parts = 2;
+                const std::size_t partSize = std::strchr("fF", *kind) ? 4 : std::strchr("dD", *kind) ? 8 : real;
+                const std::size_t parts = std::strchr("fd", *kind) ? 1 : std::strchr("FD", *kind) || complex ? 2 : 1;
                 const int elements = 8 * 16;
                 unsigned char* at = store((*kind == 'I' ? 4 : parts * partSize) * elements);
                 for (int j = 0; j < elements; ++j) {
