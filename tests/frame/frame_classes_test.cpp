@@ -25,11 +25,11 @@ static std::string text(const char* format, T... values) {
     return buffer;
 }
 
-// The fake GPU library: every answer is set by the test, and the routines keep
-// the by-value arguments of the last call.
+// The fake GPU library: every answer is set by the test, and the routines count
+// their calls. (The by-value arguments that a GPU routine gets are the family
+// tests', in the emulator's record.)
 static struct {
     int initStatus = 0, status = 0, errorInfo = 0, calls = 0;
-    std::string args;
 } gpu;
 
 int vornInitialize() { return gpu.initStatus; }
@@ -42,19 +42,10 @@ int vornGetErrorInfo() { return gpu.errorInfo; }
 
 namespace {
 
-template <class... T>
-int gpuCall(const char* format, T... values) {
-    gpu.args = text(format, values...);
-    return ++gpu.calls, gpu.status;
-}
-int fakeDgemm(char ta, char tb, int m, int n, int k, double al, double* a, int lda, double* b, int ldb, double be,
-              double* c, int ldc) {
-    return gpuCall("%c %c %d %d %d %g %p %d %p %d %g %p %d", ta, tb, m, n, k, al, a, lda, b, ldb, be, c, ldc);
-}
-int fakeDgetri(int n, double* a, int lda, int* ipiv) { return gpuCall("%d %p %d %p", n, a, lda, ipiv); }
-int fakeSsyevd(char jobz, char uplo, int n, float* a, int lda, float* w) {
-    return gpuCall("%c %c %d %p %d %p", jobz, uplo, n, a, lda, w);
-}
+int gpuCall() { return ++gpu.calls, gpu.status; }
+int fakeDgemm(char, char, int, int, int, double, double*, int, double*, int, double, double*, int) { return gpuCall(); }
+int fakeDgetri(int, double*, int, int*) { return gpuCall(); }
+int fakeSsyevd(char, char, int, float*, int, float*) { return gpuCall(); }
 
 // Rows: gemm (class A) and getri (class C, one real work line) as the families
 // define them, and a row shaped like syevd: 11 words, class C, a real and an
@@ -234,7 +225,6 @@ TEST_P(FrameClassC, GpuStatusesAndInfo) {
         Lines expected = Lines{call.entry(), issuing + "GPU (over threshold)"} + (retry ? retried(c.status) : Lines{});
         if (c.info != 0) expected.push_back(text("vorn info:  info returned as %d", c.info));
         EXPECT_EQ(log.next(), expected + Lines{done});
-        EXPECT_EQ(gpu.args, text("4096 %p 5 %p", call.a, call.ipiv));
         EXPECT_EQ(gpu.calls, 1);
         EXPECT_EQ(cpu.calls, retry);
         expectInfo(call.info, c.info);
@@ -256,9 +246,6 @@ TEST(FrameExit, MissingCpuLibrary) {
                                  "vorn error: failed to read '" + path + "'"}));
     EXPECT_EQ(under.info, 0);
     const std::string previous = "vorn error: a previous attempt at initialization failed, cannot continue";
-    GemmCall gemm{1, 1, 1};
-    run<Dgemm>(gemm);
-    EXPECT_EQ(log.next(), (Lines{gemm.entry(), issuing + "CPU (under threshold)", previous}));
     gpu.status = 4;
     GetriCall failed{4096, 10};
     run<Dgetri>(failed);
