@@ -1,3 +1,7 @@
+// The route of one pass: which reason wins, and that the side a reason names is
+// the side the frame takes. (The words of each reason's line, and that verbose
+// off writes none, are held in the tests that meet each reason in a real call:
+// the frame tests below, the link and the export tests.)
 // The routed frame for rows of class A (no info) and class C (info and a work
 // query), over a fake GPU library defined here and the recording CPU library:
 // the GPU statuses and info, work queries, the failure exits, info in LP64 and
@@ -9,9 +13,11 @@
 #include <string>
 #include <vector>
 
+#include "core/link_state.h"
 #include "recording_cpu.h"
 #include "routines/routed/lu_rows.h"
 #include "routines/routed/multiply_rank_update_rows.h"
+#include "routing/issue_reason.h"
 #include "routing/routed_frame.h"
 #include "test_support.h"
 
@@ -159,7 +165,43 @@ Lines retried(int status) {
             issuing + "CPU (retrying on GPU error)"};
 }
 
+// The conditions in order of precedence, each with the reason it gives.
+struct Rule {
+    bool RouteState::*flag;
+    IssueReason reason;
+};
+constexpr Rule rules[] = {
+    {&RouteState::gpuUnavailable, ReasonGpuUnavailable}, {&RouteState::retry, ReasonGpuRetry},
+    {&RouteState::workQuery, ReasonWorkQuery},           {&RouteState::excluded, ReasonExcluded},
+    {&RouteState::cpuAlways, ReasonCpuAlways},           {&RouteState::gpuAlways, ReasonGpuAlways},
+    {&RouteState::underCrossover, ReasonUnderThreshold},
+};
+constexpr int ruleCount = sizeof rules / sizeof rules[0];
+
+RouteState stateOf(unsigned bits) {
+    RouteState state{};
+    for (int i = 0; i < ruleCount; ++i) state.*rules[i].flag = (bits >> i) & 1;
+    return state;
+}
+
 }  // namespace
+
+// Over all 128 states: the reason is the first rule that holds in the order of
+// precedence (over the threshold when none does), and the side word of that
+// reason is GPU exactly when the pass goes on to the GPU.
+TEST(RoutePredicate, ReasonAndSideAgreeInEveryState) {
+    for (unsigned bits = 0; bits < (1u << ruleCount); ++bits) {
+        const RouteState state = stateOf(bits);
+        IssueReason expected = ReasonOverThreshold;
+        for (int i = ruleCount - 1; i >= 0; --i)
+            if (state.*rules[i].flag) expected = rules[i].reason;
+        const IssueReason reason = linkChooseReason(state);
+        EXPECT_EQ(reason, expected) << "state bits " << bits;
+        const bool gpuSide = reason == ReasonGpuAlways || reason == ReasonOverThreshold;
+        EXPECT_EQ(linkRouteToGpu(state), gpuSide) << "state bits " << bits;
+        EXPECT_STREQ(linkReasonSide(reason), gpuSide ? "GPU" : "CPU") << "state bits " << bits;
+    }
+}
 
 // A work query (lwork of -1 and nothing else) goes to the CPU whatever the
 // settings, and reports info first, then each work array's first element in the

@@ -213,8 +213,6 @@ bool tolerant() {
     return value != nullptr && std::string(value) == "1";
 }
 
-// The real parts that make up an array word of this kind, as doubles; none for
-// scalars, integers and characters, which must match exactly.
 // Equal within LAPACK's bound for these small problems: the largest difference
 // within a multiple of eps of the array's largest element. Words that are not
 // arrays of reals (integers, scalars, characters) must match exactly.
