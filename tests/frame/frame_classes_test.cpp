@@ -83,10 +83,6 @@ struct GemmCall {
     char transa = 'N', transb = 'T';
     double alpha = 1.5, beta = 0.5, a[4]{}, b[4]{}, c[4]{};
     Words words() { return {&transa, &transb, &m, &n, &k, &alpha, a, &lda, b, &ldb, &beta, c, &ldc}; }
-    std::string entry() {
-        return text("vorn info:  dfakegemm (N, T, %d, %d, %d, 1.500000, %p, 2, %p, 3, 0.500000, %p, 4)", low(m),
-                    low(n), low(k), a, b, c);
-    }
 };
 struct GetriCall {
     int64_t n, lwork, lda = 5, ipiv[4]{}, info = presetInfo;
