@@ -115,7 +115,8 @@ TEST(Startup, FailedGpuStartLogsBeforeAnythingElseAndRoutesToCpu) {
     setEnv("VORN_EMU_INIT_STATUS", "1");
     Expected expected;
     expected.log = {"vorn error: vornInitialize failed (no GPU present)", "vorn info:  forwarding all calls to CPU",
-                    "vorn info:  parsing crossover list '" + list + "'", "vorn info:  setting crossover for spotrf to '5'"};
+                    "vorn info:  parsing crossover list '" + list + "'",
+                    "vorn info:  setting crossover for spotrf to '5'"};
     expected.spotrfCall(1100, "vorn info:  issuing to CPU (vorn not available)", {cpuLibraryLine});
     expected.check(log, record);  // the record: vornInitialize, never called again, and no routine
 }
