@@ -31,6 +31,7 @@ enum class FrameClass { A, B, C };
 template <FixedString Name, class Root, auto GpuFunction, int32_t CrossoverTable::*CrossoverEntry>
 struct RoutedRoutine {
     static constexpr FixedString name = Name;
+    static constexpr int wordCount = Root::wordCount;
     using Args = Root;
     // The routine's real type: single in s and c routines, double in d and z.
     using RealType = RealTypeOf<Name.text[0]>;
@@ -50,6 +51,19 @@ bool measureUnderCrossover(CallWords words) {
         static_assert(std::is_same_v<decltype(measure), const int32_t>);
         return measure < Routine::crossover();
     }
+}
+
+// The CPU side of a routine that logs its arguments, once the route is settled:
+// binds the CPU library, finds the routine's function and calls it with all the
+// caller's words. False at the failure exits, where nothing ran: F1, no CPU
+// library; F2, no such symbol in it (the look-up wrote the error line).
+template <class Routine>
+[[gnu::always_inline]] inline bool linkRunOnCpu(CallWords words) {
+    if (!linkInitCpu()) return false;
+    void* function = linkCpuFunction(Routine::cpuSlot, Routine::name.c_str());
+    if (function == nullptr) return false;
+    callCpuWords<void>(function, words, std::make_index_sequence<Routine::wordCount>{});
+    return true;
 }
 
 // The GPU call of one pass. Gives true when the GPU library answered the call:
@@ -118,11 +132,7 @@ template <class Routine>
         if (routedGpuCall<Routine>(words, info)) return commonEnd();
     }
 
-    if (!linkInitCpu()) return;  // exit F1
-    void* function = linkCpuFunction(Routine::cpuSlot, Routine::name.c_str());
-    if (function == nullptr) return;  // exit F2
-
-    callCpuWords<void>(function, words, std::make_index_sequence<Args::wordCount>{});
+    if (!linkRunOnCpu<Routine>(words)) return;  // exits F1 and F2
 
     if constexpr (hasInfo) linkLogInfoReturned(linkTakeInteger(info));
     if constexpr (hasWorkQuery) {

@@ -15,6 +15,7 @@
 #include "routing/entry_line.h"
 #include "routing/fixed_string.h"
 #include "routing/issue_reason.h"
+#include "routing/routed_frame.h"
 
 template <FixedString Name, int Words, class Printed, bool HasInfo>
 struct LoggedRoutine {
@@ -44,12 +45,7 @@ template <class Routine>
     }
     if (linkState.verbose) linkLogIssue(linkState.gpuUnavailable ? ReasonGpuUnavailable : ReasonExcluded);
 
-    if (!linkInitCpu()) return;
-    void* function = linkCpuFunction(Routine::cpuSlot, Routine::name.c_str());
-    if (function == nullptr) return;
-
-    callCpuWords<void>(function, words, std::make_index_sequence<Routine::wordCount>{});
-
+    if (!linkRunOnCpu<Routine>(words)) return;
     if constexpr (Routine::hasInfo) linkLogInfoReturned(linkTakeInteger(info));
     if constexpr (constexpr int iter = iterWord<Routine::name>) linkClearHighHalf(words.pointer(iter));
     if (linkState.verbose) linkWriteLine("vorn info:  done\n");
