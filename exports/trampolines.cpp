@@ -6,7 +6,7 @@
 #include "routines/cpu/forwarded_frame.h"
 
 // The implementations, as their own files define them.
-#define FORWARDED(name, words, info) extern "C" ForwardedResult<#name> name(VORN_WORDS_##words);
+#define FORWARDED(name, words, info) extern "C" ExportedResult<#name> name(VORN_WORDS_##words);
 #include "routines/cpu/forwarded_routines.inc"
 #undef FORWARDED
 #define LOGGED(name, words, ...) extern "C" void name(VORN_WORDS_##words);

@@ -56,12 +56,15 @@ bool measureUnderCrossover(CallWords words) {
 // The CPU side of a routine that logs its arguments, once the route is settled:
 // binds the CPU library, finds the routine's function and calls it with all the
 // caller's words. False at the failure exits, where nothing ran: F1, no CPU
-// library; F2, no such symbol in it (the look-up wrote the error line).
-template <class Routine>
+// library; F2, no such symbol in it (the look-up wrote the error line). A routine
+// that packs its integer arrays only when it reaches the CPU library (the logged
+// CPU-only routines) packs them here, directly before the call.
+template <class Routine, bool PackBeforeCall = false>
 [[gnu::always_inline]] inline bool linkRunOnCpu(CallWords words) {
     if (!linkInitCpu()) return false;
     void* function = linkCpuFunction(Routine::cpuSlot, Routine::name.c_str());
     if (function == nullptr) return false;
+    if constexpr (PackBeforeCall) linkPackIntegerArrays<Routine>(words);
     callCpuWords<void>(function, words, std::make_index_sequence<Routine::wordCount>{});
     return true;
 }
@@ -132,7 +135,9 @@ template <class Routine>
         if (routedGpuCall<Routine>(words, info)) return commonEnd();
     }
 
-    if (!linkRunOnCpu<Routine>(words)) return;  // exits F1 and F2
+    // Exits F1 and F2: no back end ran, and the caller gets its arrays back in the
+    // form it gave them.
+    if (!linkRunOnCpu<Routine>(words)) return linkUnpackIntegerArrays<Routine>(words);
 
     if constexpr (hasInfo) linkLogInfoReturned(linkTakeInteger(info));
     if constexpr (hasWorkQuery) {

@@ -41,6 +41,15 @@ template <FixedString Name> struct ResultOf {
 template <FixedString Name>
 using ForwardedResult = typename ResultOf<Name>::type;
 
+// What the exported routine gives back: an integer or LOGICAL result of the CPU
+// library zero-extended to 64 bits, whatever the mode. A 32-bit caller reads the
+// low half, the CPU library's value; an ILP64 caller reads the whole register and
+// finds a high half of 0, as in every other integer the library hands back (so
+// -1 reads as 4294967295 there).
+template <FixedString Name>
+using ExportedResult = std::conditional_t<std::is_same_v<ForwardedResult<Name>, int32_t>, uint64_t,
+                                          ForwardedResult<Name>>;
+
 // xerbla's third word holds the length of its name by value, a 32-bit integer:
 // only the low half of the word reaches the CPU library.
 template <FixedString Name> inline constexpr int lengthByValueWord = 0;
@@ -53,6 +62,7 @@ struct ForwardedRoutine {
     static constexpr bool hasInfo = HasInfo;
     static constexpr auto entryLine = "vorn info:  " + Name + " ()\n";
     using Result = ForwardedResult<Name>;
+    using Exported = ExportedResult<Name>;
     using WorkQuery = WorkQueryOf<Name>;
     using RealType = RealTypeOf<Name.text[0]>;
     static inline constinit CpuSlot cpuSlot{};
@@ -61,18 +71,19 @@ struct ForwardedRoutine {
 // Inlined into each routine's implementation: the words stay in registers, and
 // the call costs no more than a few tests on its way to the CPU library.
 template <class Routine>
-[[gnu::always_inline]] inline typename Routine::Result forwardedFrame(CallWords words) {
+[[gnu::always_inline]] inline typename Routine::Exported forwardedFrame(CallWords words) {
     using Result = typename Routine::Result;
+    using Exported = typename Routine::Exported;
     using WorkQuery = typename Routine::WorkQuery;
 
     // verbose is read before the start-up: the first call of a process, if it is
     // a forwarded routine, loses its entry line.
     if (linkState.verbose) linkWriteLine(Routine::entryLine.c_str());
     linkInitGpu();
-    if (!linkInitCpu()) return Result();
+    if (!linkInitCpu()) return Exported();
     if (linkState.verbose) linkWriteLine("vorn info:  issuing to CPU (no GPU function available)\n");
     void* function = linkCpuFunction(Routine::cpuSlot, Routine::name.c_str());
-    if (function == nullptr) return Result();
+    if (function == nullptr) return Exported();
 
     constexpr bool hasWorkQuery = !std::is_same_v<typename WorkQuery::TestedWords, Tested<>>;
     bool workQuery = false;
@@ -109,6 +120,7 @@ template <class Routine>
         // Held across the closing lines, which must not disturb it.
         const Result result = call();
         report();
-        return result;
+        if constexpr (std::is_same_v<Result, int32_t>) return static_cast<uint32_t>(result);
+        else return result;
     }
 }

@@ -3,7 +3,7 @@
 #include "routines/cpu/forwarded_frame.h"
 
 #define FORWARDED(name, words, info)                                                    \
-    extern "C" VORN_EXPORT ForwardedResult<#name> name(VORN_WORDS_##words) {            \
+    extern "C" VORN_EXPORT ExportedResult<#name> name(VORN_WORDS_##words) {            \
         void* const passed[] = {VORN_ARGS_##words};                                     \
         return forwardedFrame<ForwardedRoutine<#name, words, info>>(CallWords{passed}); \
     }

@@ -26,12 +26,6 @@ struct LoggedRoutine {
     static inline constinit CpuSlot cpuSlot{};
 };
 
-// iter, the mixed-precision solvers' integer output besides info: its high half
-// is cleared in ILP64 mode, after info's.
-template <FixedString Name> inline constexpr int iterWord = 0;
-template <> inline constexpr int iterWord<"dsposv"> = 12;
-template <> inline constexpr int iterWord<"zcposv"> = 13;
-
 // Inlined into each routine's implementation, like the other frames.
 template <class Routine>
 [[gnu::always_inline]] inline void loggedFrame(CallWords words) {
@@ -45,8 +39,8 @@ template <class Routine>
     }
     if (linkState.verbose) linkLogIssue(linkState.gpuUnavailable ? ReasonGpuUnavailable : ReasonExcluded);
 
-    if (!linkRunOnCpu<Routine>(words)) return;
+    if (!linkRunOnCpu<Routine, true>(words)) return;
     if constexpr (Routine::hasInfo) linkLogInfoReturned(linkTakeInteger(info));
-    if constexpr (constexpr int iter = iterWord<Routine::name>) linkClearHighHalf(words.pointer(iter));
+    linkUnpackIntegerArrays<Routine>(words);  // iter of dsposv and zcposv
     if (linkState.verbose) linkWriteLine("vorn info:  done\n");
 }

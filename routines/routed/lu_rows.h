@@ -1,7 +1,7 @@
 // LU routines: one row per root, one instance per precision (lu.inc).
 // Columns: the exported arguments (word positions), the GPU function's arguments,
-// the frame class, the measure compared with the crossover, the work query, and
-// the integer data that ILP64 callers need adapted.
+// the frame class, the measure compared with the crossover, the work query. What
+// ILP64 callers need adapted (ipiv, iter) is in ilp64/packing_table.inc.
 #pragma once
 
 #include <algorithm>
@@ -14,8 +14,6 @@ struct getrf {
     static constexpr FrameClass frameClass = FrameClass::B;
     using GpuArgs = ArgList<Int<m>, Int<n>, Ptr<a>, Int<lda>, Ptr<ipiv>>;
     static int32_t measure(CallWords w) { return multiply32(w.integer(m), w.integer(n)); }
-    static int32_t ipivLength(CallWords w) { return std::min(w.integer(m), w.integer(n)); }
-    using Integers = IntegerData<CountedArray<ipiv, ipivLength>>;
 };
 
 // getrs: trans, n, nrhs, a, lda, ipiv, b, ldb, info (9)
@@ -25,8 +23,6 @@ struct getrs {
     static constexpr FrameClass frameClass = FrameClass::B;
     using GpuArgs = ArgList<Chr<trans>, Int<n>, Int<nrhs>, Ptr<a>, Int<lda>, Ptr<ipiv>, Ptr<b>, Int<ldb>>;
     static int32_t measure(CallWords w) { return w.integer(n); }
-    static int32_t ipivLength(CallWords w) { return w.integer(n); }
-    using Integers = IntegerData<CountedArray<ipiv, ipivLength>>;
 };
 
 // getri: n, a, lda, ipiv, work, lwork, info (7) | GPU i:n, p:a, i:lda, p:ipiv | C, lwork, lines: work | n
@@ -36,8 +32,6 @@ struct getri {
     using GpuArgs = ArgList<Int<n>, Ptr<a>, Int<lda>, Ptr<ipiv>>;
     using WorkLines = ::WorkLines<WorkReal<work>>;
     static int32_t measure(CallWords w) { return w.integer(n); }
-    static int32_t ipivLength(CallWords w) { return w.integer(n); }
-    using Integers = IntegerData<CountedArray<ipiv, ipivLength>>;
 };
 
 // gesv: n, nrhs, a, lda, ipiv, b, ldb, info (8)
@@ -47,8 +41,6 @@ struct gesv {
     static constexpr FrameClass frameClass = FrameClass::B;
     using GpuArgs = ArgList<Int<n>, Int<nrhs>, Ptr<a>, Int<lda>, Ptr<ipiv>, Ptr<b>, Int<ldb>>;
     static int32_t measure(CallWords w) { return multiply32(w.integer(n), w.integer(nrhs)); }
-    static int32_t ipivLength(CallWords w) { return w.integer(n); }
-    using Integers = IntegerData<CountedArray<ipiv, ipivLength>>;
 };
 
 // gbtrf: m, n, kl, ku, ab, ldab, ipiv, info (8)
@@ -58,8 +50,6 @@ struct gbtrf {
     static constexpr FrameClass frameClass = FrameClass::B;
     using GpuArgs = ArgList<Int<m>, Int<n>, Int<kl>, Int<ku>, Ptr<ab>, Int<ldab>, Ptr<ipiv>>;
     static int32_t measure(CallWords w) { return add32(w.integer(kl), w.integer(ku)); }
-    static int32_t ipivLength(CallWords w) { return std::min(w.integer(m), w.integer(n)); }
-    using Integers = IntegerData<CountedArray<ipiv, ipivLength>>;
 };
 
 // dsgesv: n, nrhs, a, lda, ipiv, b, ldb, x, ldx, work, swork, iter, info (13)
@@ -72,8 +62,6 @@ struct mixedGesv {
     static constexpr FrameClass frameClass = FrameClass::B;
     using GpuArgs = ArgList<Int<n>, Int<nrhs>, Ptr<a>, Int<lda>, Ptr<ipiv>, Ptr<b>, Int<ldb>, Ptr<x>, Int<ldx>, Ptr<work>>;
     static int32_t measure(CallWords w) { return multiply32(w.integer(n), w.integer(nrhs)); }
-    static int32_t ipivLength(CallWords w) { return w.integer(n); }
-    using Integers = IntegerData<CountedArray<ipiv, ipivLength>, OutputScalar<iter>>;
 };
 using dsgesvArgs = mixedGesv<13>;
 using zcgesvArgs = mixedGesv<14>;
