@@ -11,6 +11,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 #include <tuple>
 #include <type_traits>
 #include <utility>
@@ -91,7 +92,17 @@ bool routedGpuCall(CallWords words, void* info) {
     return false;
 }
 
-// Inlined into each routine's implementation, like the forwarded frame.
+template <class Routine>
+bool linkIsExcluded() {
+    return Routine::crossover() == crossoverNever;
+}
+template <class Routine>
+bool linkIsRoutedWorkQuery(CallWords words) {
+    if constexpr (Routine::Args::frameClass == FrameClass::C) return words.integer(Routine::Args::lwork) == -1;
+    else return false;
+}
+
+// The whole frame.
 template <class Routine>
 [[gnu::always_inline]] inline void routedFrame(CallWords words) {
     using Args = typename Routine::Args;
@@ -109,9 +120,7 @@ template <class Routine>
 
     // Read once per call: a change of the crossover or of lwork during the call
     // does not alter them.
-    const bool excluded = Routine::crossover() == crossoverNever;
-    bool workQuery = false;
-    if constexpr (hasWorkQuery) workQuery = words.integer(Args::lwork) == -1;
+    const bool isExcluded = linkIsExcluded<Routine>(), isWorkQuery = linkIsRoutedWorkQuery<Routine>(words);
 
     linkPackIntegerArrays<Routine>(words);
     auto commonEnd = [&] {
@@ -124,7 +133,7 @@ template <class Routine>
     // crossover and the measure afresh, for the reason and again for the side.
     for (bool retry = false;; retry = true) {
         auto state = [&] {
-            return RouteState{linkState.gpuUnavailable != 0, retry, workQuery, excluded,
+            return RouteState{linkState.gpuUnavailable != 0, retry, isWorkQuery, isExcluded,
                               linkState.cpuAlways != 0, linkState.gpuAlways != 0,
                               measureUnderCrossover<Routine>(words)};
         };
@@ -141,11 +150,43 @@ template <class Routine>
 
     if constexpr (hasInfo) linkLogInfoReturned(linkTakeInteger(info));
     if constexpr (hasWorkQuery) {
-        if (linkState.verbose && workQuery) {
+        if (linkState.verbose && isWorkQuery) {
             linkWriteWorkLines<typename Routine::RealType>(words, typename Args::WorkLines{});
         }
     }
     commonEnd();
+}
+
+// The frame out of line, with the words by value, so that the routine itself keeps
+// no array of its own and both its ends are jumps.
+template <class Routine, class... Words>
+[[gnu::noinline]] void routedLongPath(Words... words) {
+    void* const passed[] = {words...};
+    routedFrame<Routine>(CallWords{passed});
+}
+
+// Each routine's implementation. The common case, started, the function found,
+// the log off and 32-bit callers, where the first pass goes to the CPU, needs no
+// line and no integer adapted: info set to 0, the route worked out, a jump to the
+// CPU library with the caller's words in place. Any other call takes the long
+// path from its start.
+template <class Routine, class... Words>
+[[gnu::always_inline]] inline void routedEntry(Words... words) {
+    using Args = typename Routine::Args;
+    static_assert(sizeof...(Words) == Routine::wordCount);
+    if (platformLoadAcquire(&linkState.plainCalls)) {
+        if (void* function = Routine::cpuSlot.function) {
+            void* const passed[] = {words...};
+            const CallWords callWords{passed};
+            if constexpr (Args::frameClass != FrameClass::A) std::memset(callWords.pointer(Args::info), 0, 4);
+            const RouteState first{linkState.gpuUnavailable != 0,   false,
+                                   linkIsRoutedWorkQuery<Routine>(callWords), linkIsExcluded<Routine>(),
+                                   linkState.cpuAlways != 0,        linkState.gpuAlways != 0,
+                                   measureUnderCrossover<Routine>(callWords)};
+            if (!linkRouteToGpu(first)) return reinterpret_cast<void (*)(Words...)>(function)(words...);
+        }
+    }
+    routedLongPath<Routine>(words...);
 }
 
 // Defines the exported implementation of a routed routine: its base name, its
@@ -155,7 +196,6 @@ template <class Routine>
     static_assert(ListedGpuFunction<#base>::value == &gpuFunction,                           \
                   #base ": not the GPU function that the GPU function list gives it");       \
     extern "C" VORN_EXPORT void base(VORN_WORDS_##count) {                                   \
-        void* const words[] = {VORN_ARGS_##count};                                           \
-        routedFrame<RoutedRoutine<#base, Root, gpuFunction, &CrossoverTable::base>>(         \
-            CallWords{words});                                                               \
+        routedEntry<RoutedRoutine<#base, Root, gpuFunction, &CrossoverTable::base>>(         \
+            VORN_ARGS_##count);                                                              \
     }

@@ -68,8 +68,13 @@ struct ForwardedRoutine {
     static inline constinit CpuSlot cpuSlot{};
 };
 
-// Inlined into each routine's implementation: the words stay in registers, and
-// the call costs no more than a few tests on its way to the CPU library.
+template <class Routine>
+inline typename Routine::Exported zeroExtended(typename Routine::Result result) {
+    if constexpr (std::is_same_v<typename Routine::Result, int32_t>) return static_cast<uint32_t>(result);
+    else return result;
+}
+
+// The whole frame: start-up, lines, work queries, the integers of ILP64 callers.
 template <class Routine>
 [[gnu::always_inline]] inline typename Routine::Exported forwardedFrame(CallWords words) {
     using Result = typename Routine::Result;
@@ -97,9 +102,6 @@ template <class Routine>
         passed[lengthWord - 1] = reinterpret_cast<void*>(static_cast<uintptr_t>(length));
         words = CallWords{passed};
     }
-    auto call = [&] {
-        return callCpuWords<Result>(function, words, std::make_index_sequence<Routine::wordCount>{});
-    };
     auto report = [&] {
         if constexpr (Routine::hasInfo) {
             const int32_t info = linkTakeInteger(words.pointer(Routine::wordCount));
@@ -114,13 +116,41 @@ template <class Routine>
         if (linkState.verbose) linkWriteLine("vorn info:  done\n");
     };
     if constexpr (std::is_void_v<Result>) {
-        call();
+        callCpuWords<Result>(function, words, std::make_index_sequence<Routine::wordCount>{});
         report();
     } else {
         // Held across the closing lines, which must not disturb it.
-        const Result result = call();
+        const Result result = callCpuWords<Result>(function, words, std::make_index_sequence<Routine::wordCount>{});
         report();
-        if constexpr (std::is_same_v<Result, int32_t>) return static_cast<uint32_t>(result);
-        else return result;
+        return zeroExtended<Routine>(result);
     }
+}
+
+// The frame out of line, with the words by value, so that the routine itself keeps
+// no array of its own and both its ends are jumps.
+template <class Routine, class... Words>
+[[gnu::noinline]] typename Routine::Exported forwardedLongPath(Words... words) {
+    void* const passed[] = {words...};
+    return forwardedFrame<Routine>(CallWords{passed});
+}
+
+// Each routine's implementation. The common case, started, the function found,
+// the log off and 32-bit callers, has no line to write and no integer to adapt:
+// one test of one flag, one of the routine's slot, and a jump to the CPU library
+// with the caller's words in place. Everything else, and xerbla with its length
+// word, takes the long path.
+template <class Routine, class... Words>
+[[gnu::always_inline]] inline typename Routine::Exported forwardedEntry(Words... words) {
+    static_assert(sizeof...(Words) == Routine::wordCount);
+    using Result = typename Routine::Result;
+    if constexpr (lengthByValueWord<Routine::name> == 0) {
+        if (platformLoadAcquire(&linkState.plainCalls)) {
+            if (void* function = Routine::cpuSlot.function) {
+                auto cpuRoutine = reinterpret_cast<Result (*)(Words...)>(function);
+                if constexpr (std::is_void_v<Result>) return cpuRoutine(words...);
+                else return zeroExtended<Routine>(cpuRoutine(words...));
+            }
+        }
+    }
+    return forwardedLongPath<Routine>(words...);
 }

@@ -2,9 +2,8 @@
 #include "exports/words.h"
 #include "routines/cpu/forwarded_frame.h"
 
-#define FORWARDED(name, words, info)                                                    \
-    extern "C" VORN_EXPORT ExportedResult<#name> name(VORN_WORDS_##words) {            \
-        void* const passed[] = {VORN_ARGS_##words};                                     \
-        return forwardedFrame<ForwardedRoutine<#name, words, info>>(CallWords{passed}); \
+#define FORWARDED(name, words, info)                                            \
+    extern "C" VORN_EXPORT ExportedResult<#name> name(VORN_WORDS_##words) {    \
+        return forwardedEntry<ForwardedRoutine<#name, words, info>>(VORN_ARGS_##words); \
     }
 #include "routines/cpu/forwarded_routines.inc"
