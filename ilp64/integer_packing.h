@@ -55,7 +55,9 @@ template <int W> struct Ch {
 // The two steps, each walking the row's arrays and output scalars. An output
 // array is one whose length depends on an output of the routine (the m of syevr's
 // isuppz): the routine reads nothing of it, and before the call its length is
-// unknown, so only the unpack step, with the m the routine returned, touches it.
+// unknown, so only the unpack step, with the m the routine returned, touches it;
+// and not even that step when the routine rejected an argument (info < 0): then
+// it wrote neither m nor the array, and the m there is whatever the caller left.
 struct PackStep {
     CallWords words;
     void array(int place, Int32 length) const { linkPackArray(words.pointer(place), length.value); }
@@ -64,8 +66,11 @@ struct PackStep {
 };
 struct UnpackStep {
     CallWords words;
+    bool rejected;  // the routine gave info < 0
     void array(int place, Int32 length) const { linkUnpackArray(words.pointer(place), length.value); }
-    void outputArray(int place, Int32 length) const { array(place, length); }
+    void outputArray(int place, Int32 length) const {
+        if (!rejected) array(place, length);
+    }
     void scalar(int place) const {
         const int32_t zero = 0;
         std::memcpy(static_cast<char*>(words.pointer(place)) + 4, &zero, 4);
@@ -112,9 +117,14 @@ template <class Routine>
     }
 }
 
+// info: the routine's info argument, null for a routine without one.
 template <class Routine>
-[[gnu::always_inline]] inline void linkUnpackIntegerArrays(CallWords words) {
+[[gnu::always_inline]] inline void linkUnpackIntegerArrays(CallWords words, const void* info) {
     if constexpr (PackingOf<Routine::name>::listed) {
-        if (linkState.ilp64) PackingOf<Routine::name>::run(UnpackStep{words});
+        if (linkState.ilp64) {
+            int32_t value = 0;
+            if (info != nullptr) std::memcpy(&value, info, sizeof value);
+            PackingOf<Routine::name>::run(UnpackStep{words, value < 0});
+        }
     }
 }

@@ -124,7 +124,7 @@ template <class Routine>
 
     linkPackIntegerArrays<Routine>(words);
     auto commonEnd = [&] {
-        linkUnpackIntegerArrays<Routine>(words);
+        linkUnpackIntegerArrays<Routine>(words, info);
         if (linkState.verbose) linkWriteLine("vorn info:  done\n");
     };
 
@@ -146,7 +146,7 @@ template <class Routine>
 
     // Exits F1 and F2: no back end ran, and the caller gets its arrays back in the
     // form it gave them.
-    if (!linkRunOnCpu<Routine>(words)) return linkUnpackIntegerArrays<Routine>(words);
+    if (!linkRunOnCpu<Routine>(words)) return linkUnpackIntegerArrays<Routine>(words, info);
 
     if constexpr (hasInfo) linkLogInfoReturned(linkTakeInteger(info));
     if constexpr (hasWorkQuery) {

@@ -112,7 +112,7 @@ template <class Routine>
                 linkWriteWorkLines<typename Routine::RealType>(words, typename WorkQuery::Lines{});
             }
         }
-        linkUnpackIntegerArrays<Routine>(words);
+        linkUnpackIntegerArrays<Routine>(words, Routine::hasInfo ? words.pointer(Routine::wordCount) : nullptr);
         if (linkState.verbose) linkWriteLine("vorn info:  done\n");
     };
     if constexpr (std::is_void_v<Result>) {

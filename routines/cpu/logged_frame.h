@@ -41,6 +41,6 @@ template <class Routine>
 
     if (!linkRunOnCpu<Routine, true>(words)) return;
     if constexpr (Routine::hasInfo) linkLogInfoReturned(linkTakeInteger(info));
-    linkUnpackIntegerArrays<Routine>(words);  // iter of dsposv and zcposv
+    linkUnpackIntegerArrays<Routine>(words, info);  // iter of dsposv and zcposv
     if (linkState.verbose) linkWriteLine("vorn info:  done\n");
 }

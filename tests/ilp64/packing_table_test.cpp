@@ -206,3 +206,32 @@ TEST(PackingSteps, ArraysMoveInPlace) {
         EXPECT_EQ(std::memcmp(cells, unpacked, sizeof unpacked), 0) << length;
     }
 }
+
+// An array whose length reads an output of the routine (dstevr's isuppz, with m)
+// is left alone by the pack step, and by the unpack step too when the routine
+// rejected an argument: then m holds whatever the caller left there.
+TEST(PackingSteps, OutputArraysOnlyAfterAnAcceptedCall) {
+    for (bool rejected : {false, true}) {
+        // jobz, range, n, d, e, vl, vu, il, iu, abstol, m (11), w, z, ldz,
+        // isuppz (15), work, lwork, iwork (18), liwork (19), info
+        Words words({{3, 2}, {11, 1000000}, {19, 1}});
+        int64_t isuppz[2] = {7, 8}, iwork[2] = {5, 6};
+        words.words[14] = isuppz;
+        words.words[17] = iwork;
+        const CallWords call{words.words.data()};
+        PackingOf<"dstevr">::run(PackStep{call});
+        EXPECT_EQ(isuppz[0], 7);
+        words.cells[10] = 1 | (int64_t{9} << 32);  // m found: 2 elements of isuppz, written by the routine as 32-bit values
+        const int32_t found[] = {3, 4};
+        std::memcpy(isuppz, found, sizeof found);
+        PackingOf<"dstevr">::run(UnpackStep{call, rejected});
+        EXPECT_EQ(iwork[0], 5) << rejected;
+        EXPECT_EQ(words.cells[10], 1) << rejected;  // m's high half cleared
+        if (rejected) {
+            EXPECT_EQ(std::memcmp(isuppz, found, sizeof found), 0);
+        } else {
+            EXPECT_EQ(isuppz[0], 3);
+            EXPECT_EQ(isuppz[1], 4);
+        }
+    }
+}
