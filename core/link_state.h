@@ -25,6 +25,8 @@ struct LinkState {
     int32_t routingRead;                // 1: linkReadRouting has done its work
     int32_t gpuInitDone;                // 1: GPU start-up complete (published with release order)
     int32_t cpuInitDone;                // 1: CPU library binding attempted (published with release order)
+    int32_t plainCalls;                 // 1: both start-ups done, CPU library bound, log off, 32-bit
+                                        //    callers: the frames' short path (published with release order)
     void* cpuLibrary;                   // the CPU library; null when the attempt failed
     PlatformLock initLock;              // guards all one-time work; created lazily, never deleted
 };

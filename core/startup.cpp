@@ -29,6 +29,16 @@ static void linkEnsureInitLock() {
 // The only action at process end: the GPU library's shutdown, registered with
 // atexit after a successful vornInitialize. The log stays open, the CPU library
 // loaded and the lock alive.
+// Once both start-ups are done, with the CPU library bound, the log off and
+// 32-bit callers, a call has nothing to do besides its route and its back-end
+// call: the frames test this one flag and take their short path. Called with
+// initLock held, after each start-up.
+static void linkUpdatePlainCalls() {
+    const bool plain = linkState.gpuInitDone && linkState.cpuInitDone && linkState.cpuLibrary != nullptr &&
+                       !linkState.verbose && !linkState.ilp64;
+    platformStoreRelease(&linkState.plainCalls, plain ? 1 : 0);
+}
+
 static void linkShutdownGpu() { vornShutdown(); }
 
 int32_t linkStartUp() {
@@ -63,6 +73,7 @@ int32_t linkStartUp() {
 
     // Last write of the start-up: a thread that sees it set sees all of the above.
     platformStoreRelease(&linkState.gpuInitDone, 1);
+    linkUpdatePlainCalls();
     platformLeaveLock(&linkState.initLock);
     return status;
 }
@@ -111,6 +122,7 @@ int32_t linkBindCpu() {
         if (!linkState.cpuInitDone) {
             const int32_t bound = linkBindCpuLibrary();
             platformStoreRelease(&linkState.cpuInitDone, 1);
+            linkUpdatePlainCalls();
             platformLeaveLock(&linkState.initLock);
             return bound;
         }

@@ -40,6 +40,14 @@ inline Result callCpuWords(void* function, CallWords words, std::index_sequence<
     return reinterpret_cast<Function>(function)(words.word[I]...);
 }
 
+// A frame out of line, with the words by value: the exported routine that calls it
+// keeps no array of its own, so that both its ends can be jumps.
+template <auto Frame, class... Words>
+[[gnu::noinline]] auto linkFrameOutOfLine(Words... words) {
+    void* const passed[] = {words...};
+    return Frame(CallWords{passed});
+}
+
 // The real type of a routine by its precision letter: float in s and c routines,
 // double in d and z routines.
 template <char Precision>

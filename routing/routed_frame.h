@@ -157,14 +157,6 @@ template <class Routine>
     commonEnd();
 }
 
-// The frame out of line, with the words by value, so that the routine itself keeps
-// no array of its own and both its ends are jumps.
-template <class Routine, class... Words>
-[[gnu::noinline]] void routedLongPath(Words... words) {
-    void* const passed[] = {words...};
-    routedFrame<Routine>(CallWords{passed});
-}
-
 // Each routine's implementation. The common case, started, the function found,
 // the log off and 32-bit callers, where the first pass goes to the CPU, needs no
 // line and no integer adapted: info set to 0, the route worked out, a jump to the
@@ -186,7 +178,7 @@ template <class Routine, class... Words>
             if (!linkRouteToGpu(first)) return reinterpret_cast<void (*)(Words...)>(function)(words...);
         }
     }
-    routedLongPath<Routine>(words...);
+    linkFrameOutOfLine<&routedFrame<Routine>>(words...);
 }
 
 // Defines the exported implementation of a routed routine: its base name, its

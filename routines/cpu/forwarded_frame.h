@@ -126,14 +126,6 @@ template <class Routine>
     }
 }
 
-// The frame out of line, with the words by value, so that the routine itself keeps
-// no array of its own and both its ends are jumps.
-template <class Routine, class... Words>
-[[gnu::noinline]] typename Routine::Exported forwardedLongPath(Words... words) {
-    void* const passed[] = {words...};
-    return forwardedFrame<Routine>(CallWords{passed});
-}
-
 // Each routine's implementation. The common case, started, the function found,
 // the log off and 32-bit callers, has no line to write and no integer to adapt:
 // one test of one flag, one of the routine's slot, and a jump to the CPU library
@@ -152,5 +144,5 @@ template <class Routine, class... Words>
             }
         }
     }
-    return forwardedLongPath<Routine>(words...);
+    return linkFrameOutOfLine<&forwardedFrame<Routine>>(words...);
 }

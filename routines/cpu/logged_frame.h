@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 #include <utility>
 
 #include "core/link_state.h"
@@ -26,7 +27,7 @@ struct LoggedRoutine {
     static inline constinit CpuSlot cpuSlot{};
 };
 
-// Inlined into each routine's implementation, like the other frames.
+// The whole frame.
 template <class Routine>
 [[gnu::always_inline]] inline void loggedFrame(CallWords words) {
     // Start-up first, so that the very first call of a process keeps its entry line.
@@ -43,4 +44,23 @@ template <class Routine>
     if constexpr (Routine::hasInfo) linkLogInfoReturned(linkTakeInteger(info));
     linkUnpackIntegerArrays<Routine>(words, info);  // iter of dsposv and zcposv
     if (linkState.verbose) linkWriteLine("vorn info:  done\n");
+}
+
+// Each routine's implementation. The common case, started, the function found,
+// the log off and 32-bit callers: info set to 0 and a jump to the CPU library
+// with the caller's words in place. Everything else takes the whole frame.
+template <class Routine, class... Words>
+[[gnu::always_inline]] inline void loggedEntry(Words... words) {
+    static_assert(sizeof...(Words) == Routine::wordCount);
+    if (platformLoadAcquire(&linkState.plainCalls)) {
+        if (void* function = Routine::cpuSlot.function) {
+            if constexpr (Routine::hasInfo) {
+                void* info = nullptr;
+                ((info = words), ...);  // the last word
+                std::memset(info, 0, 4);
+            }
+            return reinterpret_cast<void (*)(Words...)>(function)(words...);
+        }
+    }
+    linkFrameOutOfLine<&loggedFrame<Routine>>(words...);
 }

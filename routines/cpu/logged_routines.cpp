@@ -3,10 +3,9 @@
 #include "routines/cpu/logged_frame.h"
 #include "routines/cpu/logged_rows.h"
 
-#define LOGGED(name, words, Printed, info)                                                 \
-    extern "C" VORN_EXPORT void name(VORN_WORDS_##words) {                                 \
-        void* const passed[] = {VORN_ARGS_##words};                                        \
-        loggedFrame<LoggedRoutine<#name, words, Printed, info>>(CallWords{passed});        \
+#define LOGGED(name, words, Printed, info)                                           \
+    extern "C" VORN_EXPORT void name(VORN_WORDS_##words) {                           \
+        loggedEntry<LoggedRoutine<#name, words, Printed, info>>(VORN_ARGS_##words);  \
     }
 #include "routines/cpu/logged_routines.inc"
 #undef LOGGED
