@@ -1,5 +1,5 @@
-// What the link library's tests share: the routines as an application declares
-// them, a routine for reference results, and small scenario helpers.
+// What the link library's tests share (and the emulator's, for its matrices):
+// the routines as an application declares them and small scenario helpers.
 #pragma once
 
 #include <cstddef>
@@ -18,39 +18,25 @@ extern "C" void vornLinkSetCpuAlways();
 extern "C" void vornLinkSetGpuAlways();
 extern "C" void vornLinkClearCpuAlways();
 extern "C" void vornLinkClearGpuAlways();
-// The reference for spotrf's results. On Linux, OpenBLAS's own spotrf_, with
-// gfortran's hidden length: the program links OpenBLAS, but the name spotrf_
-// belongs to the link library, which comes first, so it is taken from OpenBLAS's
-// handle. The Windows tests run without OpenBLAS: there the reference is the
-// spotrf of the test CPU library (tests/windows/spotrf_cpu.cpp), in the word
-// convention, which shows that the link library hands the CPU's answer on intact.
+// The default CPU library, which the link library names in its log.
 #if defined(_WIN32)
 inline constexpr const char* defaultCpuLibrary = "lapackcpu.dll";
-inline void referenceSpotrf(char uplo, int n, float* a, int lda, int* info) {
-    using Spotrf = void (*)(const void*, const void*, void*, const void*, void*);
-    static const auto function = reinterpret_cast<Spotrf>(librarySymbol(openLibrary(defaultCpuLibrary), "spotrf"));
-    function(&uplo, &n, a, &lda, info);
-}
 #else
 inline constexpr const char* defaultCpuLibrary = "liblapackcpu.so";
-inline void referenceSpotrf(char uplo, int n, float* a, int lda, int* info) {
-    using FortranSpotrf = void (*)(const char*, const int*, float*, const int*, int*, std::size_t);
-    static const auto function =
-        reinterpret_cast<FortranSpotrf>(librarySymbol(openLibrary("libopenblas.so.0"), "spotrf_"));
-    function(&uplo, &n, a, &lda, info, 1);
-}
 #endif
 inline const std::string cpuLibraryLine = std::string("vorn info:  CPU library is ") + defaultCpuLibrary;
 
 inline constexpr int spotrfCrossover = 1024;
 
-// A column-major symmetric positive definite n x n matrix.
-inline std::vector<float> spdMatrix(int n) {
-    std::vector<float> a(static_cast<std::size_t>(n) * n);
+// A column-major n x n matrix with leading dimension lda (at least n; padding rows
+// -7): symmetric positive definite, or with a negative (k,k) element where k > 0.
+inline std::vector<float> spdMatrix(int n, int lda = 0, int k = 0) {
+    lda = lda < n ? n : lda;
+    std::vector<float> a(static_cast<std::size_t>(lda) * n, -7.0f);
     for (int j = 0; j < n; ++j)
         for (int i = 0; i < n; ++i)
-            a[i + static_cast<std::size_t>(j) * n] =
-                i == j ? static_cast<float>(n) : 1.0f / static_cast<float>(1 + (i > j ? i - j : j - i));
+            a[i + static_cast<std::size_t>(j) * lda] = i == j ? float(n) : 1.0f / float(1 + (i > j ? i - j : j - i));
+    if (k > 0) a[(k - 1) + static_cast<std::size_t>(k - 1) * lda] = -1.0f;
     return a;
 }
 
@@ -66,38 +52,20 @@ inline std::vector<float> factor(char uplo, int n, int* info) {
     spotrf(&uplo, &n, a.data(), &n, info);
     return a;
 }
-// The same call, its array held bit for bit against the reference's.
-inline void expectReferenceFactor(char uplo, int n) {
-    int info, referenceInfo;
-    const auto a = factor(uplo, n, &info);
-    auto reference = spdMatrix(n);
-    referenceSpotrf(uplo, n, reference.data(), n, &referenceInfo);
-    EXPECT_EQ(info, 0);
-    EXPECT_TRUE(sameBits(a, reference));
-}
-
-// Log and record files of this test; setting them must precede the first call.
-inline std::string useLogFile() {
-    std::string path = tempPath("vorn.log");
-    setEnv("VORN_DEBUG_LOG", path);
+// The log and the emulator's record of this test; naming them must precede the
+// first call.
+inline std::string useFile(const char* variable, const char* name) {
+    const std::string path = tempPath(name);
+    setEnv(variable, path);
     return path;
 }
-inline std::string useRecord() {
-    std::string path = tempPath("emulator.record");
-    setEnv("VORN_EMU_RECORD", path);
-    return path;
-}
+inline std::string useLogFile() { return useFile("VORN_DEBUG_LOG", "vorn.log"); }
+inline std::string useRecord() { return useFile("VORN_EMU_RECORD", "emulator.record"); }
 
-// The entry line that spotrf writes for these arguments, and the call the
-// emulator records for them.
-inline std::string spotrfArguments(char uplo, int n, const void* a, int lda) {
-    return std::string(1, uplo) + ", " + std::to_string(n) + ", " + pointerText(a) + ", " + std::to_string(lda) + ")";
-}
-inline std::string spotrfEntryLine(char uplo, int n, const void* a, int lda) {
-    return "vorn info:  spotrf (" + spotrfArguments(uplo, n, a, lda);
-}
-inline std::string emulatorSpotrfLine(char uplo, int n, const void* a, int lda) {
-    return "vornSpotrf(" + spotrfArguments(uplo, n, a, lda);
+// The arguments that spotrf's entry line and the emulator's record show for a
+// call on spdMatrix(n) in the lower triangle.
+inline std::string spotrfArguments(int n, const void* a) {
+    return "(L, " + std::to_string(n) + ", " + pointerText(a) + ", " + std::to_string(n) + ")";
 }
 
 // The log and the emulator's record that a sequence of spotrf calls should leave.
@@ -111,11 +79,11 @@ struct Expected {
         int info;
         const auto a = factor('L', n, &info);
         EXPECT_EQ(info, 0) << "n = " << n;
-        log.push_back(spotrfEntryLine('L', n, a.data(), n));
+        log.push_back("vorn info:  spotrf " + spotrfArguments(n, a.data()));
         log.push_back(issuing);
         log.insert(log.end(), extra.begin(), extra.end());
         log.push_back("vorn info:  done");
-        if (issuing.find("to GPU") != std::string::npos) record.push_back(emulatorSpotrfLine('L', n, a.data(), n));
+        if (issuing.find("to GPU") != std::string::npos) record.push_back("vornSpotrf" + spotrfArguments(n, a.data()));
     }
     // The log and the record hold exactly the lines expected.
     void check(const std::string& logPath, const std::string& recordPath) const {

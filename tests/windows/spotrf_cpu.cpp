@@ -1,8 +1,9 @@
 // A CPU library with one routine, spotrf, for the tests of the Windows build that
 // route spotrf while the CPU adapter does not exist there: the link library and
 // the emulator both compute through it. An unblocked Cholesky factorisation in
-// the word convention (uplo, n, a, lda, info) with LAPACK's info: the order of
-// the first leading minor that is not positive definite.
+// the word convention (uplo, n, a, lda, info) with LAPACK's info for a matrix
+// that is not positive definite: the order of the first such leading minor. (No
+// test passes it invalid arguments.)
 #include <cmath>
 
 #include "exports/words.h"
@@ -15,10 +16,6 @@ extern "C" __declspec(dllexport) void spotrf(VORN_WORDS_5) {
     int& info = *static_cast<int*>(w5);
     const bool lower = uplo == 'L' || uplo == 'l';
     info = 0;
-    if (!lower && uplo != 'U' && uplo != 'u') info = -1;
-    else if (n < 0) info = -2;
-    else if (lda < (n > 1 ? n : 1)) info = -4;
-    if (info != 0) return;
     // Element (i, j) of the triangle that is read and written: lower holds the
     // factor L by columns, upper its transpose U by rows, the same numbers.
     auto at = [&](int i, int j) -> float& { return lower ? a[i + static_cast<long long>(j) * lda]
