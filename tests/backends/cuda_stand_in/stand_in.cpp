@@ -486,14 +486,8 @@ STAND_IN_SYMV(c, C, C, hemv) STAND_IN_SYMV(z, Z, Z, hemv)
 
 // ---- cuSOLVER
 
-cusolverStatus_t cusolverDnCreate(cusolverDnHandle_t* handle) {
-    *handle = new cusolverDnContext;
-    return CUSOLVER_STATUS_SUCCESS;
-}
-cusolverStatus_t cusolverDnDestroy(cusolverDnHandle_t handle) {
-    delete handle;
-    return CUSOLVER_STATUS_SUCCESS;
-}
+cusolverStatus_t cusolverDnCreate(cusolverDnHandle_t* handle) { *handle = new cusolverDnContext; return CUSOLVER_STATUS_SUCCESS; }
+cusolverStatus_t cusolverDnDestroy(cusolverDnHandle_t handle) { delete handle; return CUSOLVER_STATUS_SUCCESS; }
 cusolverStatus_t cusolverDnSetStream(cusolverDnHandle_t handle, cudaStream_t stream) {
     handle->stream = stream;
     return CUSOLVER_STATUS_SUCCESS;
