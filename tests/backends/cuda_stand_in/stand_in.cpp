@@ -30,16 +30,9 @@ struct CUstream_st {
     std::deque<std::function<void()>> pending;
     std::uint64_t issued = 0, finished = 0;
 };
-struct CUevent_st {
-    CUstream_st* stream = nullptr;
-    std::uint64_t at = 0;
-};
-struct cublasContext {
-    cudaStream_t stream = nullptr;
-};
-struct cusolverDnContext {
-    cudaStream_t stream = nullptr;
-};
+struct CUevent_st { CUstream_st* stream = nullptr; std::uint64_t at = 0; };
+struct cublasContext { cudaStream_t stream = nullptr; };
+struct cusolverDnContext { cudaStream_t stream = nullptr; };
 
 using C = cuComplex;
 using Z = cuDoubleComplex;
@@ -51,7 +44,6 @@ std::mutex lock;  // the registries, the counts and the failure plan
 std::map<const char*, size_t> deviceBlocks, pinnedBlocks;  // start -> bytes
 std::map<std::string, long> counts;
 std::map<std::string, std::set<long>> failAt;  // kind -> the counts at which it fails
-thread_local cudaError_t lastError = cudaSuccess;
 
 // Whether [p, p + bytes) lies inside one block of a registry.
 bool within(const std::map<const char*, size_t>& blocks, const void* p, size_t bytes) {
@@ -63,11 +55,6 @@ bool within(const std::map<const char*, size_t>& blocks, const void* p, size_t b
     return c >= next->first && c + bytes <= next->first + next->second;
 }
 bool onDevice(const void* p, size_t bytes) { return within(deviceBlocks, p, bytes); }
-
-cudaError_t failed(cudaError_t error) {
-    lastError = error;
-    return error;
-}
 
 // Counts a call of a kind and says whether a test has asked it to fail.
 bool failsNow(const char* kind) {
@@ -93,7 +80,7 @@ void drain(cudaStream_t stream, std::uint64_t upTo) {
 }
 cudaError_t wait(cudaStream_t stream, std::uint64_t upTo) {
     drain(stream, upTo);
-    return failsNow("wait") ? failed(cudaErrorLaunchFailure) : cudaSuccess;
+    return failsNow("wait") ? cudaErrorLaunchFailure : cudaSuccess;
 }
 
 // A block of a registry, aligned; and its release.
@@ -105,7 +92,7 @@ void* allocate(std::map<const char*, size_t>& blocks, size_t bytes, size_t align
 }
 cudaError_t release(std::map<const char*, size_t>& blocks, void* p) {
     std::lock_guard<std::mutex> hold(lock);
-    if (blocks.erase(static_cast<char*>(p)) == 0) return failed(cudaErrorInvalidValue);
+    if (blocks.erase(static_cast<char*>(p)) == 0) return cudaErrorInvalidValue;
     std::free(p);
     return cudaSuccess;
 }
@@ -120,9 +107,9 @@ cudaError_t copy(void* dst, size_t dstPitch, const void* src, size_t srcPitch, s
     if (dstPitch < width || srcPitch < width || onDevice(dst, dstBytes) == toHost ||
         onDevice(src, srcBytes) == toDevice) {
         std::fprintf(stderr, "cuda stand-in: %s: a pointer is not where the copy's kind says\n", function);
-        return failed(cudaErrorInvalidValue);
+        return cudaErrorInvalidValue;
     }
-    if ((toDevice || toHost) && failsNow(toDevice ? "toDevice" : "toHost")) return failed(cudaErrorLaunchFailure);
+    if ((toDevice || toHost) && failsNow(toDevice ? "toDevice" : "toHost")) return cudaErrorLaunchFailure;
     auto work = [=] {
         for (size_t row = 0; row < height; ++row)
             std::memcpy(static_cast<char*>(dst) + row * dstPitch, static_cast<const char*>(src) + row * srcPitch, width);
@@ -152,21 +139,17 @@ void* openBlasSymbol(const char* name) {
     }
     return symbol;
 }
-template <class... A> void call(void* f, A... args) { reinterpret_cast<void (*)(A...)>(f)(args...); }
-
 // Calls OpenBLAS's Fortran routine `name` with these arguments as they are:
 // pointers, then the hidden character lengths (oneChar).
 constexpr size_t oneChar = 1;
-#define STAND_IN_OPENBLAS(name, ...) \
-    do { static void* const found = openBlasSymbol(name); call(found, __VA_ARGS__); } while (0)
+template <class... A> void openBlas(const char* name, A... args) {
+    reinterpret_cast<void (*)(A...)>(openBlasSymbol(name))(args...);
+}
 
 // An operand of a cuBLAS or cuSOLVER routine: a column-major rows x cols matrix
 // with leading dimension ld, of its pointer's element type (bytes where void).
 struct Operand {
-    const char* name;
-    const void* p;
-    long rows, cols, ld;
-    size_t element;
+    const char* name; const void* p; long rows, cols, ld; size_t element;
     template <class T>
     Operand(const char* name, const T* p, long rows, long cols, long ld)
         : name(name), p(p), rows(rows), cols(cols), ld(ld),
@@ -243,7 +226,7 @@ template <class T> void scribble(T* a, int n, int lda) {
         return launch(h, "cublas" #P "gemm", {{"A", A, nA ? m : k, nA ? k : m, lda}, \
                       {"B", B, nB ? k : n, nB ? n : k, ldb}, {"C", C, m, n, ldc}}, \
                       [=, a = op(ta), b = op(tb), al = *alpha, be = *beta] { \
-            STAND_IN_OPENBLAS(#p "gemm_", &a, &b, &m, &n, &k, &al, A, &lda, B, &ldb, &be, C, &ldc, oneChar, oneChar); \
+            openBlas(#p "gemm_", &a, &b, &m, &n, &k, &al, A, &lda, B, &ldb, &be, C, &ldc, oneChar, oneChar); \
         }); \
     }
 
@@ -255,7 +238,7 @@ template <class T> void scribble(T* a, int n, int lda) {
         const int order = s == CUBLAS_SIDE_LEFT ? m : n; \
         return launch(h, "cublas" #P #root, {{"A", A, order, order, lda}, {"B", B, m, n, ldb}, {"C", C, m, n, ldc}}, \
                       [=, a = side(s), b = fill(u), al = *alpha, be = *beta] { \
-            STAND_IN_OPENBLAS(#p #root "_", &a, &b, &m, &n, &al, A, &lda, B, &ldb, &be, C, &ldc, oneChar, oneChar); \
+            openBlas(#p #root "_", &a, &b, &m, &n, &al, A, &lda, B, &ldb, &be, C, &ldc, oneChar, oneChar); \
         }); \
     }
 
@@ -266,7 +249,7 @@ template <class T> void scribble(T* a, int n, int lda) {
         const bool nA = t == CUBLAS_OP_N; \
         return launch(h, "cublas" #P #root, {{"A", A, nA ? n : k, nA ? k : n, lda}, {"C", C, n, n, ldc}}, \
                       [=, a = fill(u), b = op(t), al = *alpha, be = *beta] { \
-            STAND_IN_OPENBLAS(#p #root "_", &a, &b, &n, &k, &al, A, &lda, &be, C, &ldc, oneChar, oneChar); \
+            openBlas(#p #root "_", &a, &b, &n, &k, &al, A, &lda, &be, C, &ldc, oneChar, oneChar); \
         }); \
     }
 
@@ -278,7 +261,7 @@ template <class T> void scribble(T* a, int n, int lda) {
         const int rows = t == CUBLAS_OP_N ? n : k, cols = t == CUBLAS_OP_N ? k : n; \
         return launch(h, "cublas" #P #root, {{"A", A, rows, cols, lda}, {"B", B, rows, cols, ldb}, \
                       {"C", C, n, n, ldc}}, [=, a = fill(u), b = op(t), al = *alpha, be = *beta] { \
-            STAND_IN_OPENBLAS(#p #root "_", &a, &b, &n, &k, &al, A, &lda, B, &ldb, &be, C, &ldc, oneChar, oneChar); \
+            openBlas(#p #root "_", &a, &b, &n, &k, &al, A, &lda, B, &ldb, &be, C, &ldc, oneChar, oneChar); \
         }); \
     }
 
@@ -293,8 +276,7 @@ template <class T> void scribble(T* a, int n, int lda) {
                       [=, a = side(s), b = fill(u), c = op(t), e = diag(d), al = *alpha] { \
             if (C != B) \
                 for (int j = 0; j < n; ++j) std::memmove(C + size_t(j) * ldc, B + size_t(j) * ldb, m * sizeof(T)); \
-            STAND_IN_OPENBLAS(#p "trmm_", &a, &b, &c, &e, &m, &n, &al, A, &lda, C, &ldc, oneChar, oneChar, oneChar, \
-                              oneChar); \
+            openBlas(#p "trmm_", &a, &b, &c, &e, &m, &n, &al, A, &lda, C, &ldc, oneChar, oneChar, oneChar, oneChar); \
         }); \
     }
 #define STAND_IN_TRSM(p, P, T) \
@@ -304,8 +286,7 @@ template <class T> void scribble(T* a, int n, int lda) {
         const int order = s == CUBLAS_SIDE_LEFT ? m : n; \
         return launch(h, "cublas" #P "trsm", {{"A", A, order, order, lda}, {"B", B, m, n, ldb}}, \
                       [=, a = side(s), b = fill(u), c = op(t), e = diag(d), al = *alpha] { \
-            STAND_IN_OPENBLAS(#p "trsm_", &a, &b, &c, &e, &m, &n, &al, A, &lda, B, &ldb, oneChar, oneChar, oneChar, \
-                              oneChar); \
+            openBlas(#p "trsm_", &a, &b, &c, &e, &m, &n, &al, A, &lda, B, &ldb, oneChar, oneChar, oneChar, oneChar); \
         }); \
     }
 
@@ -315,7 +296,7 @@ template <class T> void scribble(T* a, int n, int lda) {
                                         int lda, const T* x, int incx, const T* beta, T* y, int incy) { \
         return launch(h, "cublas" #P #root, {{"A", A, n, n, lda}, vector("x", x, n, incx), vector("y", y, n, incy)}, \
                       [=, a = fill(u), al = *alpha, be = *beta] { \
-            STAND_IN_OPENBLAS(#p #root "_", &a, &n, &al, A, &lda, x, &incx, &be, y, &incy, oneChar); \
+            openBlas(#p #root "_", &a, &n, &al, A, &lda, x, &incx, &be, y, &incy, oneChar); \
         }); \
     }
 
@@ -333,13 +314,13 @@ template <class T> void scribble(T* a, int n, int lda) {
                                          int* info) { \
         return launch(h, "cusolverDn" #P "getrf", {{"A", A, m, n, lda}, words("workspace", work, luWork(m, n)), \
                       words("ipiv", ipiv, m < n ? m : n), words("info", info, 1)}, \
-                      [=] { STAND_IN_OPENBLAS(#p "getrf_", &m, &n, A, &lda, ipiv, info); }); \
+                      [=] { openBlas(#p "getrf_", &m, &n, A, &lda, ipiv, info); }); \
     } \
     cusolverStatus_t cusolverDn##P##getrs(cusolverDnHandle_t h, cublasOperation_t t, int n, int nrhs, const T* A, \
                                          int lda, const int* ipiv, T* B, int ldb, int* info) { \
         return launch(h, "cusolverDn" #P "getrs", {{"A", A, n, n, lda}, words("ipiv", ipiv, n), \
                       {"B", B, n, nrhs, ldb}, words("info", info, 1)}, [=, trans = op(t)] { \
-            STAND_IN_OPENBLAS(#p "getrs_", &trans, &n, &nrhs, A, &lda, ipiv, B, &ldb, info, oneChar); \
+            openBlas(#p "getrs_", &trans, &n, &nrhs, A, &lda, ipiv, B, &ldb, info, oneChar); \
         }); \
     }
 
@@ -366,8 +347,7 @@ template <class T> void scribble(T* a, int n, int lda) {
         return launch(h, "cusolverDn" #PQ "gesv", {{"A", dA, n, n, ldda}, words("ipiv", dipiv, n), \
                       {"B", dB, n, nrhs, lddb}, {"X", dX, n, nrhs, lddx}, words("info", d_info, 1), \
                       words("workspace", dWorkspace, long(lwork_bytes))}, [&] { \
-            STAND_IN_OPENBLAS(#pq "gesv_", &n, &nrhs, dA, &ldda, dipiv, dB, &lddb, dX, &lddx, work, swork, \
-                              __VA_ARGS__ iter, d_info); \
+            openBlas(#pq "gesv_", &n, &nrhs, dA, &ldda, dipiv, dB, &lddb, dX, &lddx, work, swork, __VA_ARGS__ iter, d_info); \
             if (*iter < 0) scribble(dA, n, ldda); \
         }, true); \
     }
@@ -390,21 +370,21 @@ long cudaStandInCount(const char* kind) {
 // ---- The run-time
 
 cudaError_t cudaGetDeviceCount(int* count) { *count = 1; return cudaSuccess; }
-cudaError_t cudaSetDevice(int device) { return device == 0 ? cudaSuccess : failed(cudaErrorInvalidDevice); }
+cudaError_t cudaSetDevice(int device) { return device == 0 ? cudaSuccess : cudaErrorInvalidDevice; }
 cudaError_t cudaGetDevice(int* device) { *device = 0; return cudaSuccess; }
-cudaError_t cudaGetLastError(void) { return std::exchange(lastError, cudaSuccess); }
+cudaError_t cudaGetLastError(void) { return cudaSuccess; }  // every error here is one call's own
 const char* cudaGetErrorString(cudaError_t error) { return error == cudaSuccess ? "no error" : "stand-in CUDA error"; }
 
 // Device memory starts with no particular contents; a failed allocation may be asked for.
 cudaError_t cudaMalloc(void** p, size_t bytes) {
     *p = failsNow("allocate") ? nullptr : allocate(deviceBlocks, bytes, 256);
     if (*p != nullptr) std::memset(*p, 0xA5, bytes);
-    return *p != nullptr ? cudaSuccess : failed(cudaErrorMemoryAllocation);
+    return *p != nullptr ? cudaSuccess : cudaErrorMemoryAllocation;
 }
 cudaError_t cudaFree(void* p) { return p == nullptr ? cudaSuccess : release(deviceBlocks, p); }
 cudaError_t cudaHostAlloc(void** p, size_t bytes, unsigned int) {
     *p = allocate(pinnedBlocks, bytes, 4096);
-    return *p != nullptr ? cudaSuccess : failed(cudaErrorMemoryAllocation);
+    return *p != nullptr ? cudaSuccess : cudaErrorMemoryAllocation;
 }
 cudaError_t cudaFreeHost(void* p) { return release(pinnedBlocks, p); }
 // Pages may be registered once: a range that overlaps a pinned block is refused.
@@ -413,13 +393,13 @@ cudaError_t cudaHostRegister(void* p, size_t bytes, unsigned int) {
     std::lock_guard<std::mutex> hold(lock);
     auto next = pinnedBlocks.lower_bound(c + bytes);
     if (next != pinnedBlocks.begin() && std::prev(next)->first + std::prev(next)->second > c)
-        return failed(cudaErrorHostMemoryAlreadyRegistered);
+        return cudaErrorHostMemoryAlreadyRegistered;
     pinnedBlocks[c] = bytes;
     return cudaSuccess;
 }
 cudaError_t cudaHostUnregister(void* p) {
     std::lock_guard<std::mutex> hold(lock);
-    return pinnedBlocks.erase(static_cast<char*>(p)) ? cudaSuccess : failed(cudaErrorHostMemoryNotRegistered);
+    return pinnedBlocks.erase(static_cast<char*>(p)) ? cudaSuccess : cudaErrorHostMemoryNotRegistered;
 }
 
 cudaError_t cudaStreamCreateWithFlags(cudaStream_t* stream, unsigned int) { *stream = new CUstream_st; return cudaSuccess; }
@@ -453,7 +433,7 @@ cudaError_t cudaMemset2DAsync(void* p, size_t pitch, int value, size_t width, si
     if (width == 0 || height == 0) return cudaSuccess;
     if (pitch < width || !onDevice(p, pitch * (height - 1) + width)) {
         std::fprintf(stderr, "cuda stand-in: cudaMemset: not device memory\n");
-        return failed(cudaErrorInvalidValue);
+        return cudaErrorInvalidValue;
     }
     enqueue(stream, [=] {
         for (size_t row = 0; row < height; ++row) std::memset(static_cast<char*>(p) + row * pitch, value, width);
@@ -502,7 +482,7 @@ cusolverStatus_t cusolverDnSpotrf(cusolverDnHandle_t h, cublasFillMode_t u, int 
                                   int lwork, int* info) {
     if (lwork < n + 1) return CUSOLVER_STATUS_INVALID_VALUE;
     return launch(h, "cusolverDnSpotrf", {{"A", A, n, n, lda}, words("workspace", work, lwork), words("info", info, 1)},
-                  [=, uplo = fill(u)] { STAND_IN_OPENBLAS("spotrf_", &uplo, &n, A, &lda, info, oneChar); });
+                  [=, uplo = fill(u)] { openBlas("spotrf_", &uplo, &n, A, &lda, info, oneChar); });
 }
 
 STAND_IN_EACH_TYPE(STAND_IN_LU)
