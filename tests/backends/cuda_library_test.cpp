@@ -99,7 +99,7 @@ TEST(CudaLibrary, TheFunctionListCoversTheInterface) {
 // driver) the start-up fails with a status of its own and a text that says what
 // the CUDA runtime found missing; a second attempt answers the same, and every
 // routine gives that status.
-TEST(CudaLibrary, RoutinesRefuseUntilStarted) {
+TEST(CudaLibrary, RoutinesRefuseUntilStartedAndTouchNothing) {
     expectEveryFunctionRefuses(VORN_STATUS_NOT_INITIALIZED);
     const int status = vornInitialize();
     if (status == VORN_STATUS_SUCCESS) GTEST_SKIP() << "a GPU is present";

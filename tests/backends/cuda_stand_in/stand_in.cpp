@@ -97,8 +97,9 @@ cudaError_t release(std::map<const char*, size_t>& blocks, void* p) {
     return cudaSuccess;
 }
 
-// A copy between host and device checks both sides, then runs in stream order:
-// later, if the host side is pinned; now, after the stream's earlier work, if not.
+// A copy between host and device (or on the device, for any other kind) checks
+// both sides, then runs in stream order: later, if the host side is pinned; now,
+// after the stream's earlier work, if not.
 cudaError_t copy(void* dst, size_t dstPitch, const void* src, size_t srcPitch, size_t width, size_t height,
                  cudaMemcpyKind kind, cudaStream_t stream, const char* function) {
     if (width == 0 || height == 0) return cudaSuccess;
@@ -139,6 +140,7 @@ void* openBlasSymbol(const char* name) {
     }
     return symbol;
 }
+
 // Calls OpenBLAS's Fortran routine `name` with these arguments as they are:
 // pointers, then the hidden character lengths (oneChar).
 constexpr size_t oneChar = 1;
@@ -164,8 +166,8 @@ struct Operand {
         return false;
     }
 };
-// count elements in a row; a vector of n elements with stride inc, as the matrix
-// of its whole extent.
+// words: count elements in a row. vector: n elements with stride inc, as the
+// matrix of their whole extent.
 template <class T> Operand words(const char* name, const T* p, long count) { return {name, p, count, 1, count}; }
 template <class T> Operand vector(const char* name, const T* p, int n, int inc) {
     const long span = n > 0 ? 1 + long(n - 1) * std::abs(inc) : 0;
@@ -347,7 +349,8 @@ template <class T> void scribble(T* a, int n, int lda) {
         return launch(h, "cusolverDn" #PQ "gesv", {{"A", dA, n, n, ldda}, words("ipiv", dipiv, n), \
                       {"B", dB, n, nrhs, lddb}, {"X", dX, n, nrhs, lddx}, words("info", d_info, 1), \
                       words("workspace", dWorkspace, long(lwork_bytes))}, [&] { \
-            openBlas(#pq "gesv_", &n, &nrhs, dA, &ldda, dipiv, dB, &lddb, dX, &lddx, work, swork, __VA_ARGS__ iter, d_info); \
+            openBlas(#pq "gesv_", &n, &nrhs, dA, &ldda, dipiv, dB, &lddb, dX, &lddx, work, swork, \
+                     __VA_ARGS__ iter, d_info); \
             if (*iter < 0) scribble(dA, n, ldda); \
         }, true); \
     }
