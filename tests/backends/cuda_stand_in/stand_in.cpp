@@ -1,0 +1,495 @@
+// The CUDA stand-in (stand_in.h): one model of a GPU behind its run-time, cuBLAS
+// and cuSOLVER parts. One device; device memory that is checked on every use;
+// pinned memory; streams that hold work until someone waits; copies and the last
+// error; the failures a test has asked for. Every cuBLAS and cuSOLVER routine
+// checks that its operands lie in device memory, reads its scalars at the call
+// (host pointer mode), and puts the reference computation, OpenBLAS's Fortran
+// routine, on the handle's stream.
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <cublas_v2.h>
+#include <cusolverDn.h>
+#include <deque>
+#include <dlfcn.h>
+#include <functional>
+#include <initializer_list>
+#include <limits>
+#include <map>
+#include <mutex>
+#include <set>
+#include <string>
+#include <type_traits>
+#include <utility>
+
+#include "stand_in.h"
+
+struct CUstream_st {
+    std::deque<std::function<void()>> pending;
+    std::uint64_t issued = 0, finished = 0;
+};
+struct CUevent_st { CUstream_st* stream = nullptr; std::uint64_t at = 0; };
+struct cublasContext { cudaStream_t stream = nullptr; };
+struct cusolverDnContext { cudaStream_t stream = nullptr; };
+
+using C = cuComplex;
+using Z = cuDoubleComplex;
+using std::size_t;
+
+namespace {
+
+std::mutex lock;  // the registries, the counts and the failure plan
+std::map<const char*, size_t> deviceBlocks, pinnedBlocks;  // start -> bytes
+std::map<std::string, long> counts;
+std::map<std::string, std::set<long>> failAt;  // kind -> the counts at which it fails
+
+// Whether [p, p + bytes) lies inside one block of a registry.
+bool within(const std::map<const char*, size_t>& blocks, const void* p, size_t bytes) {
+    const char* c = static_cast<const char*>(p);
+    std::lock_guard<std::mutex> hold(lock);
+    auto next = blocks.upper_bound(c);
+    if (next == blocks.begin()) return false;
+    --next;
+    return c >= next->first && c + bytes <= next->first + next->second;
+}
+bool onDevice(const void* p, size_t bytes) { return within(deviceBlocks, p, bytes); }
+
+// Counts a call of a kind and says whether a test has asked it to fail.
+bool failsNow(const char* kind) {
+    std::lock_guard<std::mutex> hold(lock);
+    const long count = ++counts[kind];
+    auto plan = failAt.find(kind);
+    return plan != failAt.end() && plan->second.erase(count) > 0;
+}
+
+// Puts work on a stream, and runs a stream's work up to a point (UINT64_MAX: all
+// of it). The CUDA library uses streams of its own only, never the legacy one.
+void enqueue(cudaStream_t stream, std::function<void()> work) {
+    stream->pending.push_back(std::move(work));
+    ++stream->issued;
+}
+void drain(cudaStream_t stream, std::uint64_t upTo) {
+    while (stream->finished < upTo && !stream->pending.empty()) {
+        auto work = std::move(stream->pending.front());
+        stream->pending.pop_front();
+        work();
+        ++stream->finished;
+    }
+}
+cudaError_t wait(cudaStream_t stream, std::uint64_t upTo) {
+    drain(stream, upTo);
+    return failsNow("wait") ? cudaErrorLaunchFailure : cudaSuccess;
+}
+
+// A block of a registry, aligned; and its release.
+void* allocate(std::map<const char*, size_t>& blocks, size_t bytes, size_t alignment) {
+    char* block = static_cast<char*>(std::aligned_alloc(alignment, (bytes + alignment - 1) / alignment * alignment));
+    std::lock_guard<std::mutex> hold(lock);
+    if (block != nullptr) blocks[block] = bytes;
+    return block;
+}
+cudaError_t release(std::map<const char*, size_t>& blocks, void* p) {
+    std::lock_guard<std::mutex> hold(lock);
+    if (blocks.erase(static_cast<char*>(p)) == 0) return cudaErrorInvalidValue;
+    std::free(p);
+    return cudaSuccess;
+}
+
+// A copy between host and device (or on the device, for any other kind) checks
+// both sides, then runs in stream order: later, if the host side is pinned; now,
+// after the stream's earlier work, if not.
+cudaError_t copy(void* dst, size_t dstPitch, const void* src, size_t srcPitch, size_t width, size_t height,
+                 cudaMemcpyKind kind, cudaStream_t stream, const char* function) {
+    if (width == 0 || height == 0) return cudaSuccess;
+    const size_t dstBytes = dstPitch * (height - 1) + width, srcBytes = srcPitch * (height - 1) + width;
+    const bool toHost = kind == cudaMemcpyDeviceToHost, toDevice = kind == cudaMemcpyHostToDevice;
+    if (dstPitch < width || srcPitch < width || onDevice(dst, dstBytes) == toHost ||
+        onDevice(src, srcBytes) == toDevice) {
+        std::fprintf(stderr, "cuda stand-in: %s: a pointer is not where the copy's kind says\n", function);
+        return cudaErrorInvalidValue;
+    }
+    if ((toDevice || toHost) && failsNow(toDevice ? "toDevice" : "toHost")) return cudaErrorLaunchFailure;
+    auto work = [=] {
+        for (size_t row = 0; row < height; ++row)
+            std::memcpy(static_cast<char*>(dst) + row * dstPitch, static_cast<const char*>(src) + row * srcPitch, width);
+    };
+    const bool hostSidePinned = toDevice ? within(pinnedBlocks, src, srcBytes)
+                                : toHost ? within(pinnedBlocks, dst, dstBytes)
+                                         : true;
+    if (hostSidePinned) {
+        enqueue(stream, work);
+    } else {
+        drain(stream, UINT64_MAX);
+        work();
+    }
+    return cudaSuccess;
+}
+
+// A routine of OpenBLAS itself, loaded in a namespace of its own: in a process
+// where the link library comes first, the plain name would be the link library's,
+// which would route the call back here; and OpenBLAS's LAPACK routines must reach
+// its own BLAS and LAPACK.
+void* openBlasSymbol(const char* name) {
+    static void* const library = dlmopen(LM_ID_NEWLM, STAND_IN_OPENBLAS_PATH, RTLD_NOW | RTLD_LOCAL);
+    void* symbol = library != nullptr ? dlsym(library, name) : nullptr;
+    if (symbol == nullptr) {
+        std::fprintf(stderr, "cuda stand-in: %s not found in %s\n", name, STAND_IN_OPENBLAS_PATH);
+        std::abort();
+    }
+    return symbol;
+}
+
+// Calls OpenBLAS's Fortran routine `name` with these arguments as they are:
+// pointers, then the hidden character lengths (oneChar).
+constexpr size_t oneChar = 1;
+template <class... A> void openBlas(const char* name, A... args) {
+    reinterpret_cast<void (*)(A...)>(openBlasSymbol(name))(args...);
+}
+
+// An operand of a cuBLAS or cuSOLVER routine: a column-major rows x cols matrix
+// with leading dimension ld, of its pointer's element type (bytes where void).
+struct Operand {
+    const char* name; const void* p; long rows, cols, ld; size_t element;
+    template <class T>
+    Operand(const char* name, const T* p, long rows, long cols, long ld)
+        : name(name), p(p), rows(rows), cols(cols), ld(ld),
+          element(sizeof(std::conditional_t<std::is_void_v<T>, char, T>)) {}
+    // Whether it lies in device memory (an empty one anywhere); says which
+    // argument is wrong on stderr.
+    bool onDevice(const char* function) const {
+        if (rows <= 0 || cols <= 0) return true;
+        if (ld >= rows && ::onDevice(p, (size_t(ld) * (cols - 1) + rows) * element)) return true;
+        std::fprintf(stderr, "cuda stand-in: %s: %s (%ld x %ld, ld %ld) is not in device memory\n", function, name,
+                     rows, cols, ld);
+        return false;
+    }
+};
+// words: count elements in a row. vector: n elements with stride inc, as the
+// matrix of their whole extent.
+template <class T> Operand words(const char* name, const T* p, long count) { return {name, p, count, 1, count}; }
+template <class T> Operand vector(const char* name, const T* p, int n, int inc) {
+    const long span = n > 0 ? 1 + long(n - 1) * std::abs(inc) : 0;
+    return {name, p, span, 1, span};
+}
+
+// A cuBLAS or cuSOLVER routine: checks the handle and that every operand lies in
+// device memory, counts a computation (which may fail on request), then puts the
+// work on the handle's stream or, with `now`, runs it at the call after the
+// stream's earlier work. The answer in the status type of the handle's library.
+template <class Handle, class Work>
+auto launch(Handle h, const char* f, std::initializer_list<Operand> operands, Work work, bool now = false) {
+    auto as = [](cublasStatus_t blas, cusolverStatus_t solver) {
+        if constexpr (std::is_same_v<Handle, cublasHandle_t>) return blas; else return solver;
+    };
+    if (h == nullptr) return as(CUBLAS_STATUS_NOT_INITIALIZED, CUSOLVER_STATUS_NOT_INITIALIZED);
+    for (const Operand& o : operands)
+        if (!o.onDevice(f)) return as(CUBLAS_STATUS_INVALID_VALUE, CUSOLVER_STATUS_INVALID_VALUE);
+    if (failsNow("compute")) return as(CUBLAS_STATUS_EXECUTION_FAILED, CUSOLVER_STATUS_EXECUTION_FAILED);
+    if (now) {
+        drain(h->stream, UINT64_MAX);
+        work();
+    } else {
+        enqueue(h->stream, work);
+    }
+    return as(CUBLAS_STATUS_SUCCESS, CUSOLVER_STATUS_SUCCESS);
+}
+
+char op(cublasOperation_t o) { return o == CUBLAS_OP_N ? 'N' : o == CUBLAS_OP_T ? 'T' : 'C'; }
+char fill(cublasFillMode_t f) { return f == CUBLAS_FILL_MODE_UPPER ? 'U' : 'L'; }
+char side(cublasSideMode_t s) { return s == CUBLAS_SIDE_LEFT ? 'L' : 'R'; }
+char diag(cublasDiagType_t d) { return d == CUBLAS_DIAG_UNIT ? 'U' : 'N'; }
+
+// getrf's workspace, in elements: something, so that the library must place it.
+int luWork(int m, int n) { return m + n + 1; }
+
+// The workspace of dsgesv and zcgesv: LAPACK's work (n x nrhs), its lower-precision
+// swork (n x (n + nrhs)), then zcgesv's real rwork (n).
+template <class T, class Low> size_t mixedBytes(int n, int nrhs) {
+    return size_t(n) * nrhs * sizeof(T) + size_t(n) * (n + nrhs) * sizeof(Low) + size_t(n) * sizeof(double);
+}
+// a after a mixed-precision solve that fell back: cuSOLVER promises nothing.
+template <class T> void scribble(T* a, int n, int lda) {
+    for (int j = 0; j < n; ++j)
+        std::fill_n(reinterpret_cast<double*>(a + size_t(j) * lda), n * sizeof(T) / sizeof(double),
+                    std::numeric_limits<double>::quiet_NaN());
+}
+
+}  // namespace
+
+// ---- cuBLAS
+
+#define STAND_IN_GEMM(p, P, T) \
+    cublasStatus_t cublas##P##gemm_v2(cublasHandle_t h, cublasOperation_t ta, cublasOperation_t tb, int m, int n, \
+                                      int k, const T* alpha, const T* A, int lda, const T* B, int ldb, \
+                                      const T* beta, T* C, int ldc) { \
+        const bool nA = ta == CUBLAS_OP_N, nB = tb == CUBLAS_OP_N; \
+        return launch(h, "cublas" #P "gemm", {{"A", A, nA ? m : k, nA ? k : m, lda}, \
+                      {"B", B, nB ? k : n, nB ? n : k, ldb}, {"C", C, m, n, ldc}}, \
+                      [=, a = op(ta), b = op(tb), al = *alpha, be = *beta] { \
+            openBlas(#p "gemm_", &a, &b, &m, &n, &k, &al, A, &lda, B, &ldb, &be, C, &ldc, oneChar, oneChar); \
+        }); \
+    }
+
+// symm and hemm
+#define STAND_IN_SYMM(p, P, T, root) \
+    cublasStatus_t cublas##P##root##_v2(cublasHandle_t h, cublasSideMode_t s, cublasFillMode_t u, int m, int n, \
+                                        const T* alpha, const T* A, int lda, const T* B, int ldb, const T* beta, \
+                                        T* C, int ldc) { \
+        const int order = s == CUBLAS_SIDE_LEFT ? m : n; \
+        return launch(h, "cublas" #P #root, {{"A", A, order, order, lda}, {"B", B, m, n, ldb}, {"C", C, m, n, ldc}}, \
+                      [=, a = side(s), b = fill(u), al = *alpha, be = *beta] { \
+            openBlas(#p #root "_", &a, &b, &m, &n, &al, A, &lda, B, &ldb, &be, C, &ldc, oneChar, oneChar); \
+        }); \
+    }
+
+// syrk and herk (real alpha and beta)
+#define STAND_IN_SYRK(p, P, T, S, root) \
+    cublasStatus_t cublas##P##root##_v2(cublasHandle_t h, cublasFillMode_t u, cublasOperation_t t, int n, int k, \
+                                        const S* alpha, const T* A, int lda, const S* beta, T* C, int ldc) { \
+        const bool nA = t == CUBLAS_OP_N; \
+        return launch(h, "cublas" #P #root, {{"A", A, nA ? n : k, nA ? k : n, lda}, {"C", C, n, n, ldc}}, \
+                      [=, a = fill(u), b = op(t), al = *alpha, be = *beta] { \
+            openBlas(#p #root "_", &a, &b, &n, &k, &al, A, &lda, &be, C, &ldc, oneChar, oneChar); \
+        }); \
+    }
+
+// syr2k and her2k (real beta)
+#define STAND_IN_SYR2K(p, P, T, S, root) \
+    cublasStatus_t cublas##P##root##_v2(cublasHandle_t h, cublasFillMode_t u, cublasOperation_t t, int n, int k, \
+                                        const T* alpha, const T* A, int lda, const T* B, int ldb, const S* beta, \
+                                        T* C, int ldc) { \
+        const int rows = t == CUBLAS_OP_N ? n : k, cols = t == CUBLAS_OP_N ? k : n; \
+        return launch(h, "cublas" #P #root, {{"A", A, rows, cols, lda}, {"B", B, rows, cols, ldb}, \
+                      {"C", C, n, n, ldc}}, [=, a = fill(u), b = op(t), al = *alpha, be = *beta] { \
+            openBlas(#p #root "_", &a, &b, &n, &k, &al, A, &lda, B, &ldb, &be, C, &ldc, oneChar, oneChar); \
+        }); \
+    }
+
+// trmm and trsm. cuBLAS's trmm writes C = alpha op(A) B, which may be B itself;
+// trsm solves in B.
+#define STAND_IN_TRMM(p, P, T) \
+    cublasStatus_t cublas##P##trmm_v2(cublasHandle_t h, cublasSideMode_t s, cublasFillMode_t u, \
+                                      cublasOperation_t t, cublasDiagType_t d, int m, int n, const T* alpha, \
+                                      const T* A, int lda, const T* B, int ldb, T* C, int ldc) { \
+        const int order = s == CUBLAS_SIDE_LEFT ? m : n; \
+        return launch(h, "cublas" #P "trmm", {{"A", A, order, order, lda}, {"B", B, m, n, ldb}, {"C", C, m, n, ldc}}, \
+                      [=, a = side(s), b = fill(u), c = op(t), e = diag(d), al = *alpha] { \
+            if (C != B) \
+                for (int j = 0; j < n; ++j) std::memmove(C + size_t(j) * ldc, B + size_t(j) * ldb, m * sizeof(T)); \
+            openBlas(#p "trmm_", &a, &b, &c, &e, &m, &n, &al, A, &lda, C, &ldc, oneChar, oneChar, oneChar, oneChar); \
+        }); \
+    }
+#define STAND_IN_TRSM(p, P, T) \
+    cublasStatus_t cublas##P##trsm_v2(cublasHandle_t h, cublasSideMode_t s, cublasFillMode_t u, \
+                                      cublasOperation_t t, cublasDiagType_t d, int m, int n, const T* alpha, \
+                                      const T* A, int lda, T* B, int ldb) { \
+        const int order = s == CUBLAS_SIDE_LEFT ? m : n; \
+        return launch(h, "cublas" #P "trsm", {{"A", A, order, order, lda}, {"B", B, m, n, ldb}}, \
+                      [=, a = side(s), b = fill(u), c = op(t), e = diag(d), al = *alpha] { \
+            openBlas(#p "trsm_", &a, &b, &c, &e, &m, &n, &al, A, &lda, B, &ldb, oneChar, oneChar, oneChar, oneChar); \
+        }); \
+    }
+
+// symv and hemv
+#define STAND_IN_SYMV(p, P, T, root) \
+    cublasStatus_t cublas##P##root##_v2(cublasHandle_t h, cublasFillMode_t u, int n, const T* alpha, const T* A, \
+                                        int lda, const T* x, int incx, const T* beta, T* y, int incy) { \
+        return launch(h, "cublas" #P #root, {{"A", A, n, n, lda}, vector("x", x, n, incx), vector("y", y, n, incy)}, \
+                      [=, a = fill(u), al = *alpha, be = *beta] { \
+            openBlas(#p #root "_", &a, &n, &al, A, &lda, x, &incx, &be, y, &incy, oneChar); \
+        }); \
+    }
+
+// ---- cuSOLVER: potrf, getrf and getrs on the handle's stream, info written to
+// device memory; the mixed-precision solvers at the call, since they answer their
+// iteration count on the host.
+
+#define STAND_IN_LU(p, P, T) \
+    cusolverStatus_t cusolverDn##P##getrf_bufferSize(cusolverDnHandle_t h, int m, int n, T*, int, int* lwork) { \
+        if (h == nullptr) return CUSOLVER_STATUS_NOT_INITIALIZED; \
+        *lwork = luWork(m, n); \
+        return CUSOLVER_STATUS_SUCCESS; \
+    } \
+    cusolverStatus_t cusolverDn##P##getrf(cusolverDnHandle_t h, int m, int n, T* A, int lda, T* work, int* ipiv, \
+                                         int* info) { \
+        return launch(h, "cusolverDn" #P "getrf", {{"A", A, m, n, lda}, words("workspace", work, luWork(m, n)), \
+                      words("ipiv", ipiv, m < n ? m : n), words("info", info, 1)}, \
+                      [=] { openBlas(#p "getrf_", &m, &n, A, &lda, ipiv, info); }); \
+    } \
+    cusolverStatus_t cusolverDn##P##getrs(cusolverDnHandle_t h, cublasOperation_t t, int n, int nrhs, const T* A, \
+                                         int lda, const int* ipiv, T* B, int ldb, int* info) { \
+        return launch(h, "cusolverDn" #P "getrs", {{"A", A, n, n, lda}, words("ipiv", ipiv, n), \
+                      {"B", B, n, nrhs, ldb}, words("info", info, 1)}, [=, trans = op(t)] { \
+            openBlas(#p "getrs_", &trans, &n, &nrhs, A, &lda, ipiv, B, &ldb, info, oneChar); \
+        }); \
+    }
+
+// dsgesv and zcgesv as cuSOLVER gives them, over LAPACK's: x, the pivots, info
+// and the iteration count; a unchanged when refinement converged, and left with
+// no particular contents when it fell back to the higher precision. zcgesv's
+// LAPACK routine takes the real workspace too.
+#define STAND_IN_MIXED(PQ, pq, T, Low, ...) \
+    cusolverStatus_t cusolverDn##PQ##gesv_bufferSize(cusolverDnHandle_t h, cusolver_int_t n, cusolver_int_t nrhs, T*, \
+                                                     cusolver_int_t, cusolver_int_t*, T*, cusolver_int_t, T*, \
+                                                     cusolver_int_t, void*, size_t* lwork_bytes) { \
+        if (h == nullptr) return CUSOLVER_STATUS_NOT_INITIALIZED; \
+        *lwork_bytes = mixedBytes<T, Low>(n, nrhs); \
+        return CUSOLVER_STATUS_SUCCESS; \
+    } \
+    cusolverStatus_t cusolverDn##PQ##gesv(cusolverDnHandle_t h, cusolver_int_t n, cusolver_int_t nrhs, T* dA, \
+                                          cusolver_int_t ldda, cusolver_int_t* dipiv, T* dB, cusolver_int_t lddb, \
+                                          T* dX, cusolver_int_t lddx, void* dWorkspace, size_t lwork_bytes, \
+                                          cusolver_int_t* iter, cusolver_int_t* d_info) { \
+        if (lwork_bytes < mixedBytes<T, Low>(n, nrhs)) return CUSOLVER_STATUS_INVALID_VALUE; \
+        T* work = static_cast<T*>(dWorkspace); \
+        Low* swork = reinterpret_cast<Low*>(work + size_t(n) * nrhs); \
+        [[maybe_unused]] double* rwork = reinterpret_cast<double*>(swork + size_t(n) * (n + nrhs)); \
+        return launch(h, "cusolverDn" #PQ "gesv", {{"A", dA, n, n, ldda}, words("ipiv", dipiv, n), \
+                      {"B", dB, n, nrhs, lddb}, {"X", dX, n, nrhs, lddx}, words("info", d_info, 1), \
+                      words("workspace", dWorkspace, long(lwork_bytes))}, [&] { \
+            openBlas(#pq "gesv_", &n, &nrhs, dA, &ldda, dipiv, dB, &lddb, dX, &lddx, work, swork, \
+                     __VA_ARGS__ iter, d_info); \
+            if (*iter < 0) scribble(dA, n, ldda); \
+        }, true); \
+    }
+
+#define STAND_IN_EACH_TYPE(M) M(s, S, float) M(d, D, double) M(c, C, C) M(z, Z, Z)
+
+extern "C" {
+
+void cudaStandInFailAt(const char* kind, int n) {
+    std::lock_guard<std::mutex> hold(lock);
+    if (n <= 0) failAt.erase(kind);
+    else failAt[kind].insert(counts[kind] + n);
+}
+
+long cudaStandInCount(const char* kind) {
+    std::lock_guard<std::mutex> hold(lock);
+    return counts[kind];
+}
+
+// ---- The run-time
+
+cudaError_t cudaGetDeviceCount(int* count) { *count = 1; return cudaSuccess; }
+cudaError_t cudaSetDevice(int device) { return device == 0 ? cudaSuccess : cudaErrorInvalidDevice; }
+cudaError_t cudaGetDevice(int* device) { *device = 0; return cudaSuccess; }
+cudaError_t cudaGetLastError(void) { return cudaSuccess; }  // every error here is one call's own
+const char* cudaGetErrorString(cudaError_t error) { return error == cudaSuccess ? "no error" : "stand-in CUDA error"; }
+
+// Device memory starts with no particular contents; a failed allocation may be asked for.
+cudaError_t cudaMalloc(void** p, size_t bytes) {
+    *p = failsNow("allocate") ? nullptr : allocate(deviceBlocks, bytes, 256);
+    if (*p != nullptr) std::memset(*p, 0xA5, bytes);
+    return *p != nullptr ? cudaSuccess : cudaErrorMemoryAllocation;
+}
+cudaError_t cudaFree(void* p) { return p == nullptr ? cudaSuccess : release(deviceBlocks, p); }
+cudaError_t cudaHostAlloc(void** p, size_t bytes, unsigned int) {
+    *p = allocate(pinnedBlocks, bytes, 4096);
+    return *p != nullptr ? cudaSuccess : cudaErrorMemoryAllocation;
+}
+cudaError_t cudaFreeHost(void* p) { return release(pinnedBlocks, p); }
+// Pages may be registered once: a range that overlaps a pinned block is refused.
+cudaError_t cudaHostRegister(void* p, size_t bytes, unsigned int) {
+    char* c = static_cast<char*>(p);
+    std::lock_guard<std::mutex> hold(lock);
+    auto next = pinnedBlocks.lower_bound(c + bytes);
+    if (next != pinnedBlocks.begin() && std::prev(next)->first + std::prev(next)->second > c)
+        return cudaErrorHostMemoryAlreadyRegistered;
+    pinnedBlocks[c] = bytes;
+    return cudaSuccess;
+}
+cudaError_t cudaHostUnregister(void* p) {
+    std::lock_guard<std::mutex> hold(lock);
+    return pinnedBlocks.erase(static_cast<char*>(p)) ? cudaSuccess : cudaErrorHostMemoryNotRegistered;
+}
+
+cudaError_t cudaStreamCreateWithFlags(cudaStream_t* stream, unsigned int) { *stream = new CUstream_st; return cudaSuccess; }
+cudaError_t cudaStreamDestroy(cudaStream_t stream) {
+    drain(stream, UINT64_MAX);
+    delete stream;
+    return cudaSuccess;
+}
+cudaError_t cudaStreamSynchronize(cudaStream_t stream) { return wait(stream, UINT64_MAX); }
+cudaError_t cudaEventCreateWithFlags(cudaEvent_t* event, unsigned int) { *event = new CUevent_st; return cudaSuccess; }
+cudaError_t cudaEventDestroy(cudaEvent_t event) { delete event; return cudaSuccess; }
+cudaError_t cudaEventRecord(cudaEvent_t event, cudaStream_t stream) {
+    *event = {stream, stream->issued};
+    return cudaSuccess;
+}
+cudaError_t cudaEventSynchronize(cudaEvent_t event) {
+    return event->stream != nullptr ? wait(event->stream, event->at) : cudaSuccess;
+}
+
+cudaError_t cudaMemcpyAsync(void* dst, const void* src, size_t count, cudaMemcpyKind kind, cudaStream_t stream) {
+    return copy(dst, count, src, count, count, 1, kind, stream, "cudaMemcpyAsync");
+}
+cudaError_t cudaMemcpy2DAsync(void* dst, size_t dpitch, const void* src, size_t spitch, size_t width, size_t height,
+                              cudaMemcpyKind kind, cudaStream_t stream) {
+    return copy(dst, dpitch, src, spitch, width, height, kind, stream, "cudaMemcpy2DAsync");
+}
+cudaError_t cudaMemsetAsync(void* p, int value, size_t count, cudaStream_t stream) {
+    return cudaMemset2DAsync(p, count, value, count, 1, stream);
+}
+cudaError_t cudaMemset2DAsync(void* p, size_t pitch, int value, size_t width, size_t height, cudaStream_t stream) {
+    if (width == 0 || height == 0) return cudaSuccess;
+    if (pitch < width || !onDevice(p, pitch * (height - 1) + width)) {
+        std::fprintf(stderr, "cuda stand-in: cudaMemset: not device memory\n");
+        return cudaErrorInvalidValue;
+    }
+    enqueue(stream, [=] {
+        for (size_t row = 0; row < height; ++row) std::memset(static_cast<char*>(p) + row * pitch, value, width);
+    });
+    return cudaSuccess;
+}
+
+// ---- cuBLAS
+
+cublasStatus_t cublasCreate_v2(cublasHandle_t* handle) { *handle = new cublasContext; return CUBLAS_STATUS_SUCCESS; }
+cublasStatus_t cublasDestroy_v2(cublasHandle_t handle) { delete handle; return CUBLAS_STATUS_SUCCESS; }
+cublasStatus_t cublasSetStream_v2(cublasHandle_t handle, cudaStream_t stream) {
+    handle->stream = stream;
+    return CUBLAS_STATUS_SUCCESS;
+}
+const char* cublasGetStatusString(cublasStatus_t) { return "stand-in cuBLAS failure"; }
+
+STAND_IN_EACH_TYPE(STAND_IN_GEMM)
+STAND_IN_EACH_TYPE(STAND_IN_TRMM)
+STAND_IN_EACH_TYPE(STAND_IN_TRSM)
+STAND_IN_SYMM(s, S, float, symm) STAND_IN_SYMM(d, D, double, symm) STAND_IN_SYMM(c, C, C, symm)
+STAND_IN_SYMM(z, Z, Z, symm) STAND_IN_SYMM(c, C, C, hemm) STAND_IN_SYMM(z, Z, Z, hemm)
+STAND_IN_SYRK(s, S, float, float, syrk) STAND_IN_SYRK(d, D, double, double, syrk) STAND_IN_SYRK(c, C, C, C, syrk)
+STAND_IN_SYRK(z, Z, Z, Z, syrk) STAND_IN_SYRK(c, C, C, float, herk) STAND_IN_SYRK(z, Z, Z, double, herk)
+STAND_IN_SYR2K(s, S, float, float, syr2k) STAND_IN_SYR2K(d, D, double, double, syr2k)
+STAND_IN_SYR2K(c, C, C, C, syr2k) STAND_IN_SYR2K(z, Z, Z, Z, syr2k)
+STAND_IN_SYR2K(c, C, C, float, her2k) STAND_IN_SYR2K(z, Z, Z, double, her2k)
+STAND_IN_SYMV(s, S, float, symv) STAND_IN_SYMV(d, D, double, symv)
+STAND_IN_SYMV(c, C, C, hemv) STAND_IN_SYMV(z, Z, Z, hemv)
+
+// ---- cuSOLVER
+
+cusolverStatus_t cusolverDnCreate(cusolverDnHandle_t* handle) { *handle = new cusolverDnContext; return CUSOLVER_STATUS_SUCCESS; }
+cusolverStatus_t cusolverDnDestroy(cusolverDnHandle_t handle) { delete handle; return CUSOLVER_STATUS_SUCCESS; }
+cusolverStatus_t cusolverDnSetStream(cusolverDnHandle_t handle, cudaStream_t stream) {
+    handle->stream = stream;
+    return CUSOLVER_STATUS_SUCCESS;
+}
+
+cusolverStatus_t cusolverDnSpotrf_bufferSize(cusolverDnHandle_t h, cublasFillMode_t, int n, float*, int, int* lwork) {
+    if (h == nullptr) return CUSOLVER_STATUS_NOT_INITIALIZED;
+    *lwork = n + 1;
+    return CUSOLVER_STATUS_SUCCESS;
+}
+cusolverStatus_t cusolverDnSpotrf(cusolverDnHandle_t h, cublasFillMode_t u, int n, float* A, int lda, float* work,
+                                  int lwork, int* info) {
+    if (lwork < n + 1) return CUSOLVER_STATUS_INVALID_VALUE;
+    return launch(h, "cusolverDnSpotrf", {{"A", A, n, n, lda}, words("workspace", work, lwork), words("info", info, 1)},
+                  [=, uplo = fill(u)] { openBlas("spotrf_", &uplo, &n, A, &lda, info, oneChar); });
+}
+
+STAND_IN_EACH_TYPE(STAND_IN_LU)
+STAND_IN_MIXED(DS, ds, double, float)
+STAND_IN_MIXED(ZC, zc, Z, C, rwork,)
+
+}  // extern "C"
