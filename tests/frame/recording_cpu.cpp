@@ -9,9 +9,8 @@ static CpuRecord record;
 
 CpuRecord* recordingCpu() { return &record; }
 
-static void remember(const char* name, std::initializer_list<void*> words) {
+static void remember(std::initializer_list<void*> words) {
     ++record.calls;
-    std::strncpy(record.routine, name, sizeof record.routine - 1);
     record.wordCount = 0;
     for (void* word : words) record.words[record.wordCount++] = word;
 }
@@ -28,15 +27,14 @@ static void answer(void* info, void* work, void* iwork) {
 }
 
 extern "C" {
-VORN_EXPORT void dfakegemm(VORN_WORDS_13) { remember("dfakegemm", {VORN_ARGS_13}); }
 // getri's shape: n, a, lda, ipiv, work, lwork, info
 VORN_EXPORT void dfakegetri(VORN_WORDS_7) {
-    remember("dfakegetri", {VORN_ARGS_7});
+    remember({VORN_ARGS_7});
     answer<double>(w7, w5, nullptr);
 }
 // syevd's shape: jobz, uplo, n, a, lda, w, work, lwork, iwork, liwork, info
 VORN_EXPORT void sfakesyevd(VORN_WORDS_11) {
-    remember("sfakesyevd", {VORN_ARGS_11});
+    remember({VORN_ARGS_11});
     answer<float>(w11, w7, w9);
 }
 }

@@ -20,41 +20,25 @@
 extern char** environ;
 #endif
 
-// A new folder in the system's temporary folder, as mkdtemp makes one in /tmp
-// (which Windows' C library, msvcrt, does not have).
-static std::string makeTempFolder() {
-    const std::filesystem::path base = std::filesystem::temp_directory_path();
-    for (unsigned attempt = 0; attempt < 1000; ++attempt) {
-        const std::string name = "vorn-test-" + std::to_string(getpid()) + "-" + std::to_string(attempt);
-        std::error_code error;
-        if (std::filesystem::create_directory(base / name, error)) return (base / name).string();
-    }
-    std::abort();
-}
-
-#if defined(_WIN32)
-// msvcrt has no setenv either, and its getenv sees only what _putenv sets, not
-// SetEnvironmentVariable.
-static void setenv(const char* name, const char* value, int) {
-    const std::string entry = std::string(name) + "=" + value;
-    _putenv(entry.c_str());  // copies the entry
-}
-#endif
-
-// The folder goes when the process exits. On Windows no file that is still open
-// can be removed, and the library keeps its log open to the end: that much stays
-// behind in the temporary folder (under Wine, in the prefix that
-// tools/test-windows.sh removes).
+// A folder of this process's own in the system's temporary folder (Windows' C
+// library, msvcrt, has no mkdtemp), removed when the process exits. On Windows no
+// file that is still open can be removed, and the library keeps its log open to
+// the end: that much stays behind in the temporary folder (under Wine, in the
+// prefix that tools/test-windows.sh removes).
 static std::string tempFolder;
-static void removeTempFolder() {
-    std::error_code error;
-    std::filesystem::remove_all(tempFolder, error);
-}
 
 std::string tempPath(const std::string& name) {
-    if (tempFolder.empty()) {
-        tempFolder = makeTempFolder();
-        std::atexit(removeTempFolder);
+    for (unsigned attempt = 0; tempFolder.empty(); ++attempt) {
+        if (attempt == 1000) std::abort();
+        const std::string candidate = (std::filesystem::temp_directory_path() /
+                                       ("vorn-test-" + std::to_string(getpid()) + "-" + std::to_string(attempt))).string();
+        std::error_code error;
+        if (!std::filesystem::create_directory(candidate, error)) continue;
+        tempFolder = candidate;
+        std::atexit([] {
+            std::error_code ignored;
+            std::filesystem::remove_all(tempFolder, ignored);
+        });
     }
     return tempFolder + "/" + name;
 }
@@ -89,6 +73,10 @@ std::vector<std::string> linesStartingWith(const std::vector<std::string>& lines
 }
 
 #if defined(_WIN32)
+// msvcrt has no setenv, and its getenv sees only what _putenv sets (a copy of the
+// entry), not SetEnvironmentVariable.
+void setEnv(const char* name, const std::string& value) { _putenv((std::string(name) + "=" + value).c_str()); }
+
 void* openLibrary(const std::string& path) { return reinterpret_cast<void*>(LoadLibraryA(path.c_str())); }
 
 void* librarySymbol(void* library, const char* name) {
@@ -108,6 +96,8 @@ int runProgram(const std::string& path, const std::string& argument) {
     return status < 0 ? -1 : static_cast<int>(status);
 }
 #else
+void setEnv(const char* name, const std::string& value) { setenv(name, value.c_str(), 1); }
+
 void* openLibrary(const std::string& path) { return dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL); }
 
 void* librarySymbol(void* library, const char* name) { return dlsym(library, name); }
@@ -128,8 +118,6 @@ int runProgram(const std::string& path, const std::string& argument) {
 }
 #endif
 
-void setEnv(const char* name, const std::string& value) { ::setenv(name, value.c_str(), 1); }
-
 StdoutCapture::StdoutCapture() : path_(tempPath("stdout-" + std::to_string(std::rand()))) {
     std::fflush(stdout);
     savedFd_ = dup(1);
@@ -142,9 +130,7 @@ StdoutCapture::~StdoutCapture() { stop(); }
 
 std::vector<std::string> StdoutCapture::next() {
     std::fflush(stdout);
-    std::ifstream in(path_, std::ios::binary);
-    in.seekg(static_cast<std::streamoff>(read_));
-    const std::string text{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    const std::string text = readFile(path_).substr(read_);
     read_ += text.size();
     std::vector<std::string> lines;
     for (std::size_t start = 0, end; (end = text.find('\n', start)) != std::string::npos; start = end + 1) {
