@@ -30,8 +30,8 @@ static std::string tempFolder;
 std::string tempPath(const std::string& name) {
     for (unsigned attempt = 0; tempFolder.empty(); ++attempt) {
         if (attempt == 1000) std::abort();
-        const std::string candidate = (std::filesystem::temp_directory_path() /
-                                       ("vorn-test-" + std::to_string(getpid()) + "-" + std::to_string(attempt))).string();
+        const std::string name = "vorn-test-" + std::to_string(getpid()) + "-" + std::to_string(attempt);
+        const std::string candidate = (std::filesystem::temp_directory_path() / name).string();
         std::error_code error;
         if (!std::filesystem::create_directory(candidate, error)) continue;
         tempFolder = candidate;
@@ -55,9 +55,7 @@ std::vector<std::string> readLines(const std::string& path) {
     return lines;
 }
 
-void writeFile(const std::string& path, const std::string& content) {
-    std::ofstream(path, std::ios::binary) << content;
-}
+void writeFile(const std::string& path, const std::string& text) { std::ofstream(path, std::ios::binary) << text; }
 
 std::string pointerText(const void* pointer) {
     char text[32];
