@@ -4,10 +4,11 @@
 // the export tests.)
 // The routed frame for rows of class C (info and a work query), over a fake GPU
 // library defined here and the recording CPU library: the GPU statuses and info,
-// work queries, the failure exits, info in LP64 and ILP64 mode, and the exact log
-// lines of each; with verbose off, only the error lines. The routing of each
-// routine, its measure, its results and class A (no info, status 7 and 8 retried
-// on the CPU) are the family tests' (tests/link).
+// work queries, the missing symbol's exit (F2), info in LP64 and ILP64 mode, and
+// the exact log lines of each; with verbose off, only the error lines. The
+// routing of each routine, its measure, its results and class A (no info, status
+// 7 and 8 retried on the CPU) are the family tests' (tests/link); the missing CPU
+// library's exit (F1), which shares F2's return, the CPU binding tests'.
 #include <cstdint>
 #include <cstdio>
 #include <gtest/gtest.h>
@@ -212,20 +213,4 @@ TEST_P(FrameClassC, LinesAndInfoOfEachOutcome) {
             EXPECT_EQ(high(outcome.info), GetParam() ? 0u : high(presetInfo));
         }
     }
-}
-
-// Exit F1, in ILP64 mode: without the CPU library a call that the GPU failed
-// returns from the retry pass with nothing done, no "done" line and info 0 in
-// both halves.
-TEST(FrameExit, MissingCpuLibrary) {
-    const std::string log = tempPath("vorn.log");
-    setEnv("VORN_DEBUG_LOG", log);
-    setEnv("VORN_ILP64", "1");
-    const std::string path = tempPath("libnothing.so");
-    setEnv("VORN_CPU_LIB", path);
-    gpu.status = 4;
-    const Outcome outcome = getriCall(4096, 10);
-    const Lines failed{"vorn info:  CPU library is " + path, "vorn error: failed to read '" + path + "'"};
-    EXPECT_EQ(readLines(log), (Lines{outcome.entry, over} + retried(4) + failed));
-    EXPECT_EQ(outcome.info, 0);
 }
