@@ -100,10 +100,10 @@ template <class Row, class Call>
 Outcome call(int64_t n, int64_t lwork) {
     Call args{n, lwork};
     Words words = args.words();
-    cpu.calls = 0;
+    cpu.wordCount = 0;
     routedFrame<Row>(CallWords{words.data()});
     return {args.entry(Row::name.c_str()), args.info,
-            cpu.calls == 0 || Words(cpu.words, cpu.words + cpu.wordCount) == words};
+            cpu.wordCount == 0 || Words(cpu.words, cpu.words + cpu.wordCount) == words};
 }
 constexpr auto getriCall = call<Dgetri, GetriCall>, syevdCall = call<Ssyevd, SyevdCall>,
                missingCall = call<Dmissing, GetriCall>;

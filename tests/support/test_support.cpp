@@ -128,13 +128,9 @@ StdoutCapture::~StdoutCapture() { stop(); }
 
 std::vector<std::string> StdoutCapture::next() {
     std::fflush(stdout);
-    const std::string text = readFile(path_).substr(read_);
-    read_ += text.size();
-    std::vector<std::string> lines;
-    for (std::size_t start = 0, end; (end = text.find('\n', start)) != std::string::npos; start = end + 1) {
-        lines.push_back(text.substr(start, end - start));
-        if (lines.back().ends_with('\r')) lines.back().pop_back();
-    }
+    std::vector<std::string> lines = readLines(path_);  // in text mode, as stop() reads
+    lines.erase(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(linesRead_));
+    linesRead_ += lines.size();
     return lines;
 }
 
