@@ -1,7 +1,8 @@
 // The crossover table held against the counts and values that its definition
 // states, reading the names the table actually holds; the crossover list file:
-// how its lines read (one table of lists, each applied to the defaults with info
-// lines on and off), and a list the start-up cannot read. Each test is its own
+// how its lines read and how names are looked up (one table of lists, each
+// applied to the defaults with info lines on and off), and a list the start-up
+// cannot read. Each test is its own
 // process. That the start-up reads a list, also after a failed GPU start, and
 // that the routing follows it are the link tests'.
 #include <algorithm>
@@ -66,12 +67,13 @@ TEST(CrossoverList, LinesReadAsTheListFileDefines) {
          {setting("sgemm", ""), setting("dgemm", "n"), setting("zgemm", "nev"), setting("spotrf", "never"),
           invalid("dgetrf", "nevermore"), invalid("cgetrf", "Never"), invalid("zgetrf", "never ")},
          {{"sgemm", -1}, {"dgemm", -1}, {"zgemm", -1}, {"spotrf", -1}, {"dgetrf", unchanged}}},
-        // Names compared whole and in their case; an unknown one passes silently,
-        // but a bad value is reported before the name is looked at. An entry that
-        // no routine reads is set all the same.
-        {"SPOTRF=5\nspotrf = 5\n spotrf=5\nnosuchroutine=5\n# tuned values\nnosuchroutine=0\ncherdb=7\n",
-         {badLine("# tuned values"), invalid("nosuchroutine", "0"), setting("cherdb", "7")},
-         {{"spotrf", unchanged}, {"cherdb", 7}}},
+        // Names compared whole and in their case, up to the table's last entry; an
+        // unknown one passes silently, but a bad value is reported before the name
+        // is looked at. An entry that no routine reads is set all the same.
+        {"SPOTRF=5\nspotrf = 5\n spotrf=5\nspotr=5\nspotrfx=5\npotrf=5\nnosuchroutine=5\n# tuned values\n"
+         "nosuchroutine=0\ncherdb=7\nzcgesv=9\n",
+         {badLine("# tuned values"), invalid("nosuchroutine", "0"), setting("cherdb", "7"), setting("zcgesv", "9")},
+         {{"spotrf", unchanged}, {"cherdb", 7}, {"zcgesv", 9}}},
         // The first empty line ends the reading; an empty file or first line reads nothing.
         {"spotrf=8\n\nsgemm=5\n", {setting("spotrf", "8")}, {{"sgemm", unchanged}}},
         {"\nspotrf=8\n", {}, {{"spotrf", unchanged}}},
@@ -140,11 +142,4 @@ TEST(CrossoverTable, NamesAndDefaultsByRoot) {
     EXPECT_EQ(defaultOfRoot["stebz"], 256);
     EXPECT_EQ(defaultOfRoot["ggrqf"], 1073741824);
     EXPECT_EQ(largest, 4);
-}
-
-TEST(CrossoverTable, LookUpComparesWholeNamesInTheirCase) {
-    EXPECT_EQ(linkFindCrossover("sgemm"), &crossoverTable.sgemm);
-    EXPECT_EQ(linkFindCrossover("zcgesv"), &crossoverTable.zcgesv);
-    for (const char* name : {"SGEMM", "sgem", "sgemmx", " sgemm", "sgemm ", "", "gemm"})
-        EXPECT_EQ(linkFindCrossover(name), nullptr) << "'" << name << "'";
 }
