@@ -9,17 +9,12 @@ static CpuRecord record;
 
 CpuRecord* recordingCpu() { return &record; }
 
-static void remember(const char* name, std::initializer_list<void*> words) {
-    ++record.calls;
-    std::strncpy(record.routine, name, sizeof record.routine - 1);
-    record.wordCount = 0;
-    for (void* word : words) record.words[record.wordCount++] = word;
-}
-
-// What a routine with info leaves behind: info, and the first element of its work
+// Records a call's words and leaves behind info and the first element of its work
 // arrays in the routine's own types.
 template <class Real>
-static void answer(void* info, void* work, void* iwork) {
+static void answer(std::initializer_list<void*> words, void* info, void* work, void* iwork) {
+    record.wordCount = 0;
+    for (void* word : words) record.words[record.wordCount++] = word;
     std::memcpy(info, &record.info, 4);
     if (record.infoHigh != 0) std::memcpy(static_cast<char*>(info) + 4, &record.infoHigh, 4);
     const Real first = static_cast<Real>(record.work);
@@ -28,15 +23,8 @@ static void answer(void* info, void* work, void* iwork) {
 }
 
 extern "C" {
-VORN_EXPORT void dfakegemm(VORN_WORDS_13) { remember("dfakegemm", {VORN_ARGS_13}); }
 // getri's shape: n, a, lda, ipiv, work, lwork, info
-VORN_EXPORT void dfakegetri(VORN_WORDS_7) {
-    remember("dfakegetri", {VORN_ARGS_7});
-    answer<double>(w7, w5, nullptr);
-}
+VORN_EXPORT void dfakegetri(VORN_WORDS_7) { answer<double>({VORN_ARGS_7}, w7, w5, nullptr); }
 // syevd's shape: jobz, uplo, n, a, lda, w, work, lwork, iwork, liwork, info
-VORN_EXPORT void sfakesyevd(VORN_WORDS_11) {
-    remember("sfakesyevd", {VORN_ARGS_11});
-    answer<float>(w11, w7, w9);
-}
+VORN_EXPORT void sfakesyevd(VORN_WORDS_11) { answer<float>({VORN_ARGS_11}, w11, w7, w9); }
 }

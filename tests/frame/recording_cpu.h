@@ -1,14 +1,12 @@
 // A CPU library for the frame tests: it exports the test rows' lower-case names in
-// the word convention, records the words of each call and, for the rows with info,
-// writes back what the test asked for.
+// the word convention, records the words of each call and writes back what the
+// test asked for.
 #pragma once
 
 #include <cstdint>
 
 struct CpuRecord {
-    int calls;              // calls of any routine so far
-    char routine[32];       // the name of the last routine called
-    int wordCount;          // its word count
+    int wordCount;          // the last call's word count
     void* words[16];        // the words it received
     int32_t info;           // written to the low half of *info
     int32_t infoHigh;       // when not 0, written to the high half of *info too

@@ -21,21 +21,17 @@ namespace {
 class OneTestPerProcess : public testing::EmptyTestEventListener {
     int started_ = 0;
     void OnTestStart(const testing::TestInfo&) override {
-        if (++started_ > 1) {
+        if (++started_ > 1)
             ADD_FAILURE() << "each test of this program must run in its own process: run it "
                              "through ctest, or select one test with --gtest_filter";
-        }
     }
 };
 
 // The tests set the variables they need; none may come from the caller's shell.
 void clearVornEnvironment() {
     std::vector<std::string> names;
-    for (char** entry = environ; *entry != nullptr; ++entry) {
-        if (std::strncmp(*entry, "VORN_", 5) == 0) {
-            names.emplace_back(*entry, std::strchr(*entry, '=') - *entry);
-        }
-    }
+    for (char** entry = environ; *entry != nullptr; ++entry)
+        if (std::strncmp(*entry, "VORN_", 5) == 0) names.emplace_back(*entry, std::strchr(*entry, '=') - *entry);
     for (const auto& name : names) unsetenv(name.c_str());
 }
 

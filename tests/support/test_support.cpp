@@ -20,41 +20,25 @@
 extern char** environ;
 #endif
 
-// A new folder in the system's temporary folder, as mkdtemp makes one in /tmp
-// (which Windows' C library, msvcrt, does not have).
-static std::string makeTempFolder() {
-    const std::filesystem::path base = std::filesystem::temp_directory_path();
-    for (unsigned attempt = 0; attempt < 1000; ++attempt) {
-        const std::string name = "vorn-test-" + std::to_string(getpid()) + "-" + std::to_string(attempt);
-        std::error_code error;
-        if (std::filesystem::create_directory(base / name, error)) return (base / name).string();
-    }
-    std::abort();
-}
-
-#if defined(_WIN32)
-// msvcrt has no setenv either, and its getenv sees only what _putenv sets, not
-// SetEnvironmentVariable.
-static void setenv(const char* name, const char* value, int) {
-    const std::string entry = std::string(name) + "=" + value;
-    _putenv(entry.c_str());  // copies the entry
-}
-#endif
-
-// The folder goes when the process exits. On Windows no file that is still open
-// can be removed, and the library keeps its log open to the end: that much stays
-// behind in the temporary folder (under Wine, in the prefix that
-// tools/test-windows.sh removes).
+// A folder of this process's own in the system's temporary folder (Windows' C
+// library, msvcrt, has no mkdtemp), removed when the process exits. On Windows no
+// file that is still open can be removed, and the library keeps its log open to
+// the end: that much stays behind in the temporary folder (under Wine, in the
+// prefix that tools/test-windows.sh removes).
 static std::string tempFolder;
-static void removeTempFolder() {
-    std::error_code error;
-    std::filesystem::remove_all(tempFolder, error);
-}
 
 std::string tempPath(const std::string& name) {
-    if (tempFolder.empty()) {
-        tempFolder = makeTempFolder();
-        std::atexit(removeTempFolder);
+    for (unsigned attempt = 0; tempFolder.empty(); ++attempt) {
+        if (attempt == 1000) std::abort();
+        const std::string name = "vorn-test-" + std::to_string(getpid()) + "-" + std::to_string(attempt);
+        const std::string candidate = (std::filesystem::temp_directory_path() / name).string();
+        std::error_code error;
+        if (!std::filesystem::create_directory(candidate, error)) continue;
+        tempFolder = candidate;
+        std::atexit([] {
+            std::error_code ignored;
+            std::filesystem::remove_all(tempFolder, ignored);
+        });
     }
     return tempFolder + "/" + name;
 }
@@ -71,9 +55,7 @@ std::vector<std::string> readLines(const std::string& path) {
     return lines;
 }
 
-void writeFile(const std::string& path, const std::string& content) {
-    std::ofstream(path, std::ios::binary) << content;
-}
+void writeFile(const std::string& path, const std::string& text) { std::ofstream(path, std::ios::binary) << text; }
 
 std::string pointerText(const void* pointer) {
     char text[32];
@@ -89,6 +71,10 @@ std::vector<std::string> linesStartingWith(const std::vector<std::string>& lines
 }
 
 #if defined(_WIN32)
+// msvcrt has no setenv, and its getenv sees only what _putenv sets (a copy of the
+// entry), not SetEnvironmentVariable.
+void setEnv(const char* name, const std::string& value) { _putenv((std::string(name) + "=" + value).c_str()); }
+
 void* openLibrary(const std::string& path) { return reinterpret_cast<void*>(LoadLibraryA(path.c_str())); }
 
 void* librarySymbol(void* library, const char* name) {
@@ -108,6 +94,8 @@ int runProgram(const std::string& path, const std::string& argument) {
     return status < 0 ? -1 : static_cast<int>(status);
 }
 #else
+void setEnv(const char* name, const std::string& value) { setenv(name, value.c_str(), 1); }
+
 void* openLibrary(const std::string& path) { return dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL); }
 
 void* librarySymbol(void* library, const char* name) { return dlsym(library, name); }
@@ -128,8 +116,6 @@ int runProgram(const std::string& path, const std::string& argument) {
 }
 #endif
 
-void setEnv(const char* name, const std::string& value) { ::setenv(name, value.c_str(), 1); }
-
 StdoutCapture::StdoutCapture() : path_(tempPath("stdout-" + std::to_string(std::rand()))) {
     std::fflush(stdout);
     savedFd_ = dup(1);
@@ -142,15 +128,9 @@ StdoutCapture::~StdoutCapture() { stop(); }
 
 std::vector<std::string> StdoutCapture::next() {
     std::fflush(stdout);
-    std::ifstream in(path_, std::ios::binary);
-    in.seekg(static_cast<std::streamoff>(read_));
-    const std::string text{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-    read_ += text.size();
-    std::vector<std::string> lines;
-    for (std::size_t start = 0, end; (end = text.find('\n', start)) != std::string::npos; start = end + 1) {
-        lines.push_back(text.substr(start, end - start));
-        if (lines.back().ends_with('\r')) lines.back().pop_back();
-    }
+    std::vector<std::string> lines = readLines(path_);  // in text mode, as stop() reads
+    lines.erase(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(linesRead_));
+    linesRead_ += lines.size();
     return lines;
 }
 

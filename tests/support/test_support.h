@@ -55,5 +55,5 @@ public:
 private:
     int savedFd_ = -1;
     std::string path_;
-    std::size_t read_ = 0;
+    std::size_t linesRead_ = 0;
 };
