@@ -397,7 +397,8 @@ for pair in "${pairs[@]}"; do
   if ((${#worse[@]})); then
     line+=": WORSE: $(joined "${worse[@]}")"
     # The first line a failed program wrote on standard error says how it ended.
-    [ -z "${how[link]}" ] || [ ! -s "$out/link/$name.err" ] || line+="; stderr: $(head -n 1 "$out/link/$name.err")"
+    [ -z "${how[link]}" ] || ! grep -q . "$out/link/$name.err" 2>/dev/null ||
+      line+="; stderr: $(grep -m 1 . "$out/link/$name.err")"
     if [ -n "${known["$program $input"]:-}" ]; then
       known_lines+=("$line; known: ${known["$program $input"]}")
       [ "${verdict[$group]:-}" = WORSE ] || verdict[$group]="known worse"
@@ -449,7 +450,7 @@ for group in $groups; do
   note=""
   ((${abnormal[$a]:-0} + ${abnormal[$b]:-0})) && note+="; abnormal ends ${abnormal[$a]:-0} alone, ${abnormal[$b]:-0} linked"
   ((${vorn[$b]:-0})) && note+="; ${vorn[$b]} vorn error lines"
-  ((${skipped[$group]:-0})) && note+="; ${skipped[$group]} pairs not run"
+  ((${skipped[$group]:-0})) && note+="; not run: ${skipped[$group]}"
   printf '%-16s | %10d %8d %10d | %10d %8d %10d | %s%s\n' "$group" "${run[$a]}" "${failed[$a]}" "${exits[$a]}" \
     "${run[$b]}" "${failed[$b]}" "${exits[$b]}" "${verdict[$group]:-same}" "$note"
   total=($((total[0] + run[$a])) $((total[1] + failed[$a])) $((total[2] + exits[$a]))
