@@ -25,7 +25,9 @@ TEST(CudaFallback, StartFailureIsLoggedAndTheCpuComputes) {
     EXPECT_EQ(lines.at(1), "vorn info:  forwarding all calls to CPU");
     EXPECT_THAT(linesStartingWith(lines, "vorn info:  issuing"),
                 testing::ElementsAre("vorn info:  issuing to CPU (vorn not available)"));
-    referenceSpotrf('U', n, expected.data(), n, &expectedInfo);
+    using FortranSpotrf = void (*)(const char*, const int*, float*, const int*, int*, std::size_t);
+    auto openblasSpotrf = reinterpret_cast<FortranSpotrf>(librarySymbol(openLibrary("libopenblas.so.0"), "spotrf_"));
+    openblasSpotrf("U", &n, expected.data(), &n, &expectedInfo, 1);
     EXPECT_EQ(info, expectedInfo);
     EXPECT_EQ(a, expected);
 }
