@@ -6,6 +6,11 @@
 // GPU call the emulator records, and hold results against OpenBLAS. (The logged
 // CPU-only routines: the export tests, over the CPU adapter's own tests.)
 //
+// The results are held in three processes: with the log on, with it off (the
+// frames' short path), and for a caller with 64-bit integers (VORN_ILP64=1),
+// whose integer arrays and outputs must come back as OpenBLAS's 32-bit ones,
+// zero-extended, with every byte behind them as the caller left it.
+//
 // With LINK_TEST_TOLERANCE=1 (tools/test-cuda.sh, a real GPU library first on
 // LD_LIBRARY_PATH) the GPU side's arrays need only agree with OpenBLAS's within
 // LAPACK's error bounds instead of bit for bit, and the test that relies on the
@@ -43,9 +48,12 @@ struct RootRow {
     Measure measure;
     std::vector<int> measureWords;  // positions in `integers` of the measure's operands
     int crossover;
+    std::vector<int> treated = {};  // of each integer array (I), the elements a 64-bit caller gets back
 };
 
-// Small problems: every dimension at most 6, every leading dimension 8.
+// Small problems: every dimension at most 6, every leading dimension 8. The
+// lengths of the integer arrays are ipiv's (min(m, n) in getrf and gbtrf, n in
+// the others) and iter's, one.
 const std::vector<RootRow> rows = {
     {"sgemm dgemm cgemm zgemm", "cciiiSpipiSpi", "NT", {5, 4, 3, 8, 8, 8}, Measure::wide, {0, 1, 2}, 4194304},
     {"ssymm dsymm csymm zsymm", "cciiSpipiSpi", "LU", {5, 4, 8, 8, 8}, Measure::product, {0, 1}, 262144},
@@ -59,13 +67,13 @@ const std::vector<RootRow> rows = {
     {"ssymv dsymv", "ciSpipiSpi", "U", {6, 8, 1, 1}, Measure::product, {0}, 512},
     {"chemv zhemv", "ciSpipiSpi", "L", {6, 8, 1, 1}, Measure::product, {0}, 512},
     {"spotrf", "cipio", "U", {6, 8}, Measure::product, {0}, 1024},
-    {"sgetrf dgetrf cgetrf zgetrf", "iipiIo", "", {6, 5, 8}, Measure::product, {0, 1}, 1048576},
-    {"sgetrs dgetrs cgetrs zgetrs", "ciipiIpio", "N", {6, 2, 8, 8}, Measure::product, {0}, 1024},
-    {"sgetri dgetri cgetri zgetri", "ipiIXpXwo", "", {6, 8, 64}, Measure::product, {0}, 1024},
-    {"sgesv dgesv cgesv zgesv", "iipiIpio", "", {6, 2, 8, 8}, Measure::product, {0, 1}, 1048576},
-    {"sgbtrf dgbtrf cgbtrf zgbtrf", "iiiipiIo", "", {6, 6, 1, 2, 8}, Measure::sum, {2, 3}, 1024},
-    {"dsgesv", "iipiIpipiWpXfXIo", "", {6, 2, 8, 8, 8}, Measure::product, {0, 1}, 1048576},
-    {"zcgesv", "iipiIpipiWpXFXdXIo", "", {6, 2, 8, 8, 8}, Measure::product, {0, 1}, 1048576},
+    {"sgetrf dgetrf cgetrf zgetrf", "iipiIo", "", {6, 5, 8}, Measure::product, {0, 1}, 1048576, {5}},
+    {"sgetrs dgetrs cgetrs zgetrs", "ciipiIpio", "N", {6, 2, 8, 8}, Measure::product, {0}, 1024, {6}},
+    {"sgetri dgetri cgetri zgetri", "ipiIXpXwo", "", {6, 8, 64}, Measure::product, {0}, 1024, {6}},
+    {"sgesv dgesv cgesv zgesv", "iipiIpio", "", {6, 2, 8, 8}, Measure::product, {0, 1}, 1048576, {6}},
+    {"sgbtrf dgbtrf cgbtrf zgbtrf", "iiiipiIo", "", {6, 6, 1, 2, 8}, Measure::sum, {2, 3}, 1024, {6}},
+    {"dsgesv", "iipiIpipiWpXfXIo", "", {6, 2, 8, 8, 8}, Measure::product, {0, 1}, 1048576, {6, 1}},
+    {"zcgesv", "iipiIpipiWpXFXdXIo", "", {6, 2, 8, 8, 8}, Measure::product, {0, 1}, 1048576, {6, 1}},
 };
 
 std::vector<std::string> basesOf(const RootRow& row) {
@@ -78,6 +86,7 @@ struct Word {
     std::vector<unsigned char> bytes;
     bool hostOnly, workspace;
     std::size_t real = 0;
+    char kind = 0;
 };
 struct Call {
     std::vector<Word> words;
@@ -99,9 +108,19 @@ std::string scalarText(const std::string& format, double value, bool pair) {
     return text;
 }
 
+// The high half of every integer of a 64-bit caller, which no back end may see,
+// and the whole info word it passes in.
+constexpr int32_t highHalf = 0x5a5a5a5a;
+constexpr int64_t infoBefore = 0x7777777777777777;
+
 // The words of one call, filled from a fixed seed so that two calls built alike
-// start from the same bytes, and the entry line and the GPU call they give.
-Call buildCall(const RootRow& row, const std::string& base, const std::vector<int>& integers) {
+// start from the same bytes, and the entry line and the GPU call they give. A
+// wide call has 64-bit integers, as an ILP64 caller passes them.
+Call buildCall(const RootRow& row, const std::string& base, const std::vector<int>& integers, bool wide = false) {
+    auto appendInteger = [wide](std::vector<unsigned char>& bytes, int value) {
+        append(bytes, value);
+        if (wide) append(bytes, highHalf);
+    };
     const bool complex = base[0] == 'c' || base[0] == 'z';
     const char* character = row.characters;
     auto integer = integers.begin();
@@ -112,6 +131,7 @@ Call buildCall(const RootRow& row, const std::string& base, const std::vector<in
     for (const char* kind = row.kinds; *kind != '\0'; ++kind) {
         Word& word = call.words.emplace_back(Word{{}, *kind == 'X', *kind == 'W'});
         if (word.hostOnly || word.workspace) ++kind;
+        word.kind = *kind;
         // The size of the word's reals: by its kind for f, F, d and D, else by the
         // routine's first letter (dsgesv and zcgesv too).
         const std::size_t real = std::strchr("fFdD", *kind) ? (std::strchr("dD", *kind) ? 8 : 4)
@@ -123,7 +143,7 @@ Call buildCall(const RootRow& row, const std::string& base, const std::vector<in
             shown = std::string(1, *character++);
         } else if (*kind == 'i' || *kind == 'w') {
             const int value = *kind == 'w' ? 64 : *integer++;
-            append(word.bytes, value);
+            appendInteger(word.bytes, value);
             shown = std::to_string(value);
         } else if (*kind == 'S' || *kind == 'R') {
             const double value = scalars++ % 2 ? 0.75 : 1.5;  // the two scalars of a call differ
@@ -133,7 +153,7 @@ Call buildCall(const RootRow& row, const std::string& base, const std::vector<in
             shown = scalarText("%f", value, pair);
             shownInRecord = scalarText("%g", value, pair);
         } else if (*kind == 'o') {
-            append(word.bytes, int64_t{0});  // info: never shown
+            append(word.bytes, wide ? infoBefore : 0);  // info: never shown
             continue;
         } else {  // arrays of 8 x 16 elements: pivots valid for every problem here, else random
                   // values with a strong diagonal for leading dimension 8
@@ -143,7 +163,7 @@ Call buildCall(const RootRow& row, const std::string& base, const std::vector<in
                 for (int part = 0; part < parts; ++part) {
                     seed = seed * 1103515245u + 12345u;
                     const double value = double((seed >> 8) % 2001) / 1000.0 - 1.0 + (part == 0 && j % 9 == 0 ? 8 : 0);
-                    *kind == 'I' ? append(word.bytes, j % 6 + 1) : appendReal(word.bytes, value, real);
+                    *kind == 'I' ? appendInteger(word.bytes, j % 6 + 1) : appendReal(word.bytes, value, real);
                 }
             shown = pointerText(word.bytes.data());
         }
@@ -197,6 +217,33 @@ void expectWithinBound(const Word& word, const Word& reference) {
     EXPECT_LE(difference, 1000 * (word.real == 8 ? 1.1e-16 : 6e-8) * largest);
 }
 
+// What a 64-bit caller must hold after a call whose 32-bit counterpart left
+// `reference`: its input integers as it gave them; info 0 in both halves; in each
+// integer array the row's number of elements, OpenBLAS's values zero-extended,
+// and behind them its own bytes; everything else OpenBLAS's.
+Call expectedWide(const RootRow& row, const std::string& base, const Call& reference) {
+    Call expected = buildCall(row, base, row.integers, true);
+    auto treated = row.treated.begin();
+    for (std::size_t w = 0; w < expected.words.size(); ++w) {
+        auto& bytes = expected.words[w].bytes;
+        const auto& given = reference.words[w].bytes;
+        const char kind = expected.words[w].kind;
+        if (kind == 'o') {
+            bytes.assign(8, 0);
+            std::copy_n(given.begin(), 4, bytes.begin());
+        } else if (kind == 'I') {
+            for (int i = 0; i < *treated; ++i) {
+                std::copy_n(given.begin() + 4 * i, 4, bytes.begin() + 8 * i);
+                std::fill_n(bytes.begin() + 8 * i + 4, 4, 0);
+            }
+            ++treated;
+        } else if (kind != 'i' && kind != 'w') {
+            bytes = given;
+        }
+    }
+    return expected;
+}
+
 // The integers of a row's calls about the crossover, each with whether the call
 // goes to the GPU: each operand of the measure in turn one below the crossover,
 // at it and one above it, the others neutral (1 in a product, 0 in a sum); then
@@ -223,9 +270,17 @@ std::vector<std::pair<std::vector<int>, bool>> crossoverCases(const RootRow& row
 
 // Each routine on each side gives OpenBLAS's bits: on the CPU, on the GPU (the
 // emulator), and on the CPU after a GPU failure — for class A (no info) also
-// after statuses 7 and 8, which only routines with info take as answers.
-TEST(LuMultiplyFamilies, EverySideGivesOpenBlasResults) {
-    const std::string record = useRecord(), log = useLogFile();
+// after statuses 7 and 8, which only routines with info take as answers. With
+// the log on, with it off, and for a 64-bit caller, each in its own process.
+class LuMultiplyFamilies : public testing::TestWithParam<const char*> {};
+INSTANTIATE_TEST_SUITE_P(Modes, LuMultiplyFamilies, testing::Values("Log", "Quiet", "Ilp64"),
+                         [](const auto& info) { return std::string(info.param); });
+
+TEST_P(LuMultiplyFamilies, EverySideGivesOpenBlasResults) {
+    const std::string mode = GetParam();
+    const bool wide = mode == "Ilp64";
+    if (wide) setEnv("VORN_ILP64", "1");
+    const std::string record = useRecord(), log = mode == "Quiet" ? "" : useLogFile();
     std::size_t gpuCalls = 0;
     for (const RootRow& row : rows) {
         // The CPU, the GPU, then the GPU failing with each status (only the
@@ -237,10 +292,11 @@ TEST(LuMultiplyFamilies, EverySideGivesOpenBlasResults) {
             SCOPED_TRACE(base);
             Call reference = buildCall(row, base, row.integers);
             callWith(referenceRoutine(base), reference);
+            const Call expected = wide ? expectedWide(row, base, reference) : reference;
             for (const std::string& side : sides) {
                 if (side != "CPU" && side != "GPU") setEnv("VORN_EMU_STATUS", base + "=" + side);
                 side == "CPU" ? vornLinkSetCpuAlways() : vornLinkSetGpuAlways();
-                Call call = buildCall(row, base, row.integers);
+                Call call = buildCall(row, base, row.integers, wide);
                 callWith(linkRoutine(base), call);
                 vornLinkClearCpuAlways();
                 vornLinkClearGpuAlways();
@@ -253,9 +309,9 @@ TEST(LuMultiplyFamilies, EverySideGivesOpenBlasResults) {
                     // the CPU routine's business only.
                     if (side == "GPU" && word.hostOnly) continue;
                     if (side == "GPU" && tolerant) {
-                        if (!word.workspace) expectWithinBound(word, reference.words[w]);
+                        if (!word.workspace) expectWithinBound(word, expected.words[w]);
                     } else {
-                        EXPECT_EQ(word.bytes, reference.words[w].bytes);
+                        EXPECT_EQ(word.bytes, expected.words[w].bytes);
                     }
                 }
             }
@@ -263,7 +319,9 @@ TEST(LuMultiplyFamilies, EverySideGivesOpenBlasResults) {
     }
     // The GPU sides were the GPU library's: it started and got each call, which
     // the emulator records after vornInitialize (a real GPU library records none).
-    EXPECT_EQ(linesStartingWith(readLines(log), "vorn info:  issuing to GPU").size(), gpuCalls);
+    if (!log.empty()) {
+        EXPECT_EQ(linesStartingWith(readLines(log), "vorn info:  issuing to GPU").size(), gpuCalls);
+    }
     EXPECT_EQ(readLines(record).size(), tolerant ? 0 : 1 + gpuCalls);
 }
 
@@ -271,7 +329,7 @@ TEST(LuMultiplyFamilies, EverySideGivesOpenBlasResults) {
 // value, and the measure takes each of its operands and decides at the crossover
 // (crossoverCases). No computation happens: the GPU answers are forced and the
 // CPU library is missing, so the words may describe any size.
-TEST(LuMultiplyFamilies, EntryLineGpuArgumentsAndCrossover) {
+TEST(LuMultiplyCrossovers, EntryLineGpuArgumentsAndCrossover) {
     if (tolerant) GTEST_SKIP() << "needs the emulator's record";
     const std::string log = useLogFile(), record = useRecord();
     setEnv("VORN_CPU_LIB", "libvorn-no-such-library.so");
