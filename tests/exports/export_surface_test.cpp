@@ -28,14 +28,6 @@ std::vector<RoutineFacts> standingRoutines() {
     return routines;
 }
 
-std::string upper(std::string text) {
-    for (char& c : text) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-    return text;
-}
-std::vector<std::string> spellings(const std::string& name) {
-    return {name, name + "_", upper(name), upper(name) + "_"};
-}
-
 int32_t lsameOf(void* function, unsigned char a, unsigned char b) {
     return reinterpret_cast<int32_t (*)(const void*, const void*)>(function)(&a, &b);
 }

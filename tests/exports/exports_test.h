@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <cstdint>
 #include <cstring>
 #include <gmock/gmock.h>
@@ -121,6 +122,12 @@ struct Findings {
         EXPECT_THAT(shown, testing::IsEmpty()) << list.size() << " findings in all";
     }
 };
+
+inline std::vector<std::string> spellings(const std::string& name) {
+    std::string upper = name;
+    for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    return {name, name + "_", upper, upper + "_"};
+}
 
 inline std::string joined(const std::vector<std::string>& lines) {
     std::string text;
