@@ -79,24 +79,19 @@ inline std::vector<RoutineFacts> forwardedTable() {
     return table;
 }
 
-// Calls `function` with exactly words.size() words, and gives the bits of what it
-// returns, read in the width of its result.
-template <class R, std::size_t... I>
-R callWith(void* function, void* const* words, std::index_sequence<I...>) {
-    return reinterpret_cast<R (*)(decltype((void)I, static_cast<void*>(nullptr))...)>(function)(words[I]...);
-}
+// Calls `function` with the words, followed by nulls up to 32 (a routine reads
+// only its own), and gives the bits of what it returns, read in its result's width.
 template <class R>
-uint64_t callBits(void* function, const std::vector<void*>& words) {
-    static constexpr auto callers = []<std::size_t... N>(std::index_sequence<N...>) {
-        return std::array{
-            +[](void* f, void* const* w) { return callWith<R>(f, w, std::make_index_sequence<N + 1>{}); }...};
-    }
-    (std::make_index_sequence<32>{});
+uint64_t callBits(void* function, std::vector<void*> words) {
+    words.resize(32);
+    auto call = [&]<std::size_t... I>(std::index_sequence<I...>) {
+        return reinterpret_cast<R (*)(std::conditional_t<true, void*, decltype(I)>...)>(function)(words[I]...);
+    };
     uint64_t bits = 0;
     if constexpr (std::is_void_v<R>) {
-        callers.at(words.size() - 1)(function, words.data());
+        call(std::make_index_sequence<32>{});
     } else {
-        const R value = callers.at(words.size() - 1)(function, words.data());
+        const R value = call(std::make_index_sequence<32>{});
         std::memcpy(&bits, &value, sizeof value);
     }
     return bits;

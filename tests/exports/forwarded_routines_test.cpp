@@ -170,113 +170,97 @@ void firstCall(void* link, const Call& first, StdoutCapture& output, Findings& f
 
 }  // namespace
 
-// Each routine, by any spelling, hands its words unchanged to its CPU routine
-// (xerbla's length word only its low half), whose info and result it reports; a forwarded routine gives
-// "no GPU function available", a logged one "excluded by user" whatever the
-// routing settings. Info's high half (and iter's) is cleared for an ILP64 caller,
-// else left as the caller left it. Without ILP64 a forwarded routine comes first
-// in the process, with it a logged one.
-class ReachedCpuRoutine : public testing::TestWithParam<bool> {};
-TEST_P(ReachedCpuRoutine, GetsTheWordsAndIsReported) {
-    const bool ilp64 = GetParam();
-    setEnv("VORN_CPU_LIB", RECORDING_CPU_PATH);
-    setEnv("VORN_VERBOSE", "1");
-    setEnv("VORN_CPU_ALWAYS", "1");
-    if (ilp64) setEnv("VORN_ILP64", "1");
+// The scenarios: over the recording CPU library, without ILP64 (a forwarded
+// routine comes first in the process) and with it (a logged one does); over a CPU
+// library that cannot be reached, being missing or lacking the names, while the
+// GPU library did not start either (which gives a logged routine the reason "vorn
+// not available").
+struct Scenario {
+    const char* name;
+    const char* cpuLibrary;
+    bool verbose, ilp64;
+};
+void PrintTo(const Scenario& scenario, std::ostream* out) { *out << scenario.name; }
+class CpuOnlyRoutines : public testing::TestWithParam<Scenario> {};
+
+// Reached, each routine, by any spelling, hands its words unchanged to its CPU
+// routine (xerbla's length word only its low half), whose info and result it
+// reports; a forwarded routine gives "no GPU function available", a logged one
+// "excluded by user" whatever the routing settings. Info's high half (and iter's)
+// is cleared for an ILP64 caller, else left as the caller left it. Unreached, a
+// logged routine leaves its info 0 in both halves of an ILP64 caller's integer;
+// nothing else is touched, and a function gives 0.
+TEST_P(CpuOnlyRoutines, ReachTheirCpuRoutineOrTouchNothing) {
+    const Scenario& scenario = GetParam();
+    const std::string library = scenario.cpuLibrary;
+    const bool reached = library == RECORDING_CPU_PATH, missingLibrary = !reached && library != libraryWithoutLapack;
+    setEnv("VORN_CPU_LIB", library);
+    if (scenario.verbose) setEnv("VORN_VERBOSE", "1");
+    if (scenario.ilp64) setEnv("VORN_ILP64", "1");
+    setEnv(reached ? "VORN_CPU_ALWAYS" : "VORN_EMU_INIT_STATUS", "1");
     void* link = openLinkLibrary();
-    void* cpu = openLibrary(RECORDING_CPU_PATH);  // the one the link library loads
+    void* cpu = openLibrary(RECORDING_CPU_PATH);  // the one the link library loads where reached
     ForwardedCpuRecord& record = *reinterpret_cast<RecordingForwardedCpu>(librarySymbol(cpu, "recordingForwardedCpu"))();
-    std::vector<Call> calls = allCalls(ilp64);
+    std::vector<Call> calls = allCalls(reached && scenario.ilp64);
     Findings findings;
     StdoutCapture output;
     auto expectedLines = [&](const Call& call) {
-        std::vector<std::string> expected = {call.entry, call.logged ? excludedLine : issuingLine};
+        std::vector<std::string> expected;
+        if (scenario.verbose) expected.push_back(call.entry);
+        if (scenario.verbose && (reached || call.logged || !missingLibrary))
+            expected.push_back(!call.logged ? issuingLine : reached ? excludedLine : unavailableLine);
+        if (!reached) {
+            expected.push_back(missingLibrary ? "vorn error: a previous attempt at initialization failed, cannot continue"
+                                              : "vorn error: Failed to read symbol '" + call.name + "' from '" +
+                                                    libraryWithoutLapack + "'");
+            return expected;
+        }
         if (call.info && record.info != 0) expected.push_back("vorn info:  info returned as " + std::to_string(record.info));
         expected.insert(expected.end(), call.queryLines.begin(), call.queryLines.end());
         expected.push_back("vorn info:  done");
         return expected;
     };
     record.info = 0;
-    firstCall(link, calls[0], output, findings, expectedLines(calls[0]));
+    firstCall(link, calls[0], output, findings, reached ? expectedLines(calls[0]) : std::vector<std::string>{});
 
     for (std::size_t i = 0; i < calls.size(); ++i) {
         Call& call = calls[i];
-        const auto before = call.cells;
+        auto cells = call.cells;  // as they must come back
         record.info = !call.second ? 0 : i % 2 ? -static_cast<int32_t>(i) - 1 : static_cast<int32_t>(i) + 1;
         record.result = 0xC0DE000000000000 ^ (uint64_t{i} << 24) ^ (call.second ? 0xA5A5A5A5 : 0x3C3C3C3C);
         const int calledBefore = record.calls;
         const uint64_t result = invoke(link, call, i);
+        const auto lines = output.next();
+        findings.expect(lines == expectedLines(call), call.what() + ": lines" + joined(lines));
+        findings.expect(record.calls == calledBefore + reached, call.what() + ": calls");
+        if (!reached) {
+            if (call.logged && call.info) std::fill(cells.back().begin(), cells.back().begin() + 8, 0);
+            findings.expect(result == 0, call.what() + ": result");
+            findings.expect(call.cells == cells, call.what() + ": memory");
+            continue;
+        }
         std::vector<void*> expectedWords = call.words;
         if (call.name == "xerbla") expectedWords[2] = reinterpret_cast<void*>(0x11);
-        findings.expect(record.calls == calledBefore + 1 && record.routine == call.name &&
-                            record.wordCount == static_cast<int>(call.words.size()) &&
+        findings.expect(record.routine == call.name && record.wordCount == static_cast<int>(call.words.size()) &&
                             std::equal(expectedWords.begin(), expectedWords.end(), record.words),
                         call.what() + ": words received");
         const int width = call.result == Result::real64 ? 64 : call.result == Result::byte ? 8 : 32;
         if (call.result != Result::none && call.result != Result::complex)
             findings.expect(result == (record.result & (~uint64_t{0} >> (64 - width))), call.what() + ": result");
-        auto expectCell = [&](int word, const int32_t* low, const char* what) {
-            auto cell = before[word - 1];
-            if (low != nullptr) std::memcpy(cell.data(), low, 4);
-            if (ilp64) std::fill(cell.begin() + 4, cell.begin() + 8, 0);
-            findings.expect(call.cells[word - 1] == cell, call.what() + what);
-        };
-        if (call.info) expectCell(static_cast<int>(call.words.size()), &record.info, ": info");
-        if (call.iter) expectCell(call.iter, nullptr, ": iter");
-        const auto lines = output.next();
-        findings.expect(lines == expectedLines(call), call.what() + ": lines" + joined(lines));
+        // Only info and iter: the recording routine writes its work lines.
+        for (int word : {call.info ? static_cast<int>(call.words.size()) : 0, call.iter}) {
+            if (word == 0) continue;
+            if (word != call.iter) std::memcpy(cells[word - 1].data(), &record.info, 4);
+            if (scenario.ilp64) std::fill(cells[word - 1].begin() + 4, cells[word - 1].begin() + 8, 0);
+            findings.expect(call.cells[word - 1] == cells[word - 1], call.what() + ": info or iter");
+        }
     }
     output.stop();
     findings.report();
 }
-INSTANTIATE_TEST_SUITE_P(Ilp64, ReachedCpuRoutine, testing::Bool(),
-                         [](const auto& info) { return std::string(info.param ? "On" : "Off"); });
-
-// A CPU routine that cannot be reached: its library is missing, or lacks the name;
-// the GPU library did not start either, which gives a logged routine the reason
-// "vorn not available". A logged routine leaves its info 0 in both halves of an
-// ILP64 caller's integer; nothing else is touched, and a function gives 0.
-struct Unreached {
-    const char* name;
-    const char* cpuLibrary;
-    bool verbose;
-};
-void PrintTo(const Unreached& scenario, std::ostream* out) { *out << scenario.name; }
-class UnreachedCpuRoutine : public testing::TestWithParam<Unreached> {};
-
-TEST_P(UnreachedCpuRoutine, TouchesNothingButLoggedInfoAndGivesZero) {
-    const Unreached& scenario = GetParam();
-    const bool missingLibrary = std::string(scenario.cpuLibrary) != libraryWithoutLapack;
-    setEnv("VORN_CPU_LIB", scenario.cpuLibrary);
-    if (scenario.verbose) setEnv("VORN_VERBOSE", "1");
-    setEnv("VORN_ILP64", "1");
-    setEnv("VORN_EMU_INIT_STATUS", "1");
-    void* link = openLinkLibrary();
-    std::vector<Call> calls = allCalls(false);
-    Findings findings;
-    StdoutCapture output;
-    firstCall(link, calls[0], output, findings, {});  // whatever verbose says
-
-    for (std::size_t i = 0; i < calls.size(); ++i) {
-        Call& call = calls[i];
-        auto expectedCells = call.cells;
-        if (call.logged && call.info) std::fill(expectedCells.back().begin(), expectedCells.back().begin() + 8, 0);
-        const uint64_t result = invoke(link, call, i);
-        findings.expect(result == 0, call.what() + ": result");
-        findings.expect(call.cells == expectedCells, call.what() + ": memory");
-        std::vector<std::string> expected;
-        if (scenario.verbose) expected.push_back(call.entry);
-        if (scenario.verbose && (call.logged || !missingLibrary)) expected.push_back(call.logged ? unavailableLine : issuingLine);
-        expected.push_back(missingLibrary ? "vorn error: a previous attempt at initialization failed, cannot continue"
-                                          : "vorn error: Failed to read symbol '" + call.name + "' from '" +
-                                                libraryWithoutLapack + "'");
-        const auto lines = output.next();
-        findings.expect(lines == expected, call.what() + ": lines" + joined(lines));
-    }
-    output.stop();
-    findings.report();
-}
-INSTANTIATE_TEST_SUITE_P(Scenarios, UnreachedCpuRoutine,
-                         testing::Values(Unreached{"MissingLibrary", "libvorn-no-such-library.so", true},
-                                         Unreached{"MissingSymbols", libraryWithoutLapack, false}),
+INSTANTIATE_TEST_SUITE_P(Scenarios, CpuOnlyRoutines,
+                         testing::Values(Scenario{"ReachedIlp64Off", RECORDING_CPU_PATH, true, false},
+                                         Scenario{"ReachedIlp64On", RECORDING_CPU_PATH, true, true},
+                                         Scenario{"MissingLibrary", "libvorn-no-such-library.so", true, true},
+                                         Scenario{"MissingSymbols", libraryWithoutLapack, false, true}),
                          [](const auto& info) { return std::string(info.param.name); });
