@@ -40,7 +40,8 @@ TEST(Lsame, FoldsOnlyAsciiLettersAndStartsNothing) {
     setEnv("VORN_VERBOSE", "1");
     const std::string record = tempPath("emulator.record");
     setEnv("VORN_EMU_RECORD", record);
-    void* link = openLinkLibrary();
+    void* link = openLibrary(VORN_TEST_LINK_LIBRARY);
+    ASSERT_NE(link, nullptr) << VORN_TEST_LINK_LIBRARY;
     const std::tuple<unsigned char, unsigned char, int32_t> cases[] = {
         {'a', 'A', 1}, {'A', 'a', 1}, {'z', 'Z', 1}, {'A', 'B', 0}, {'b', 'A', 0},   {'N', 'n', 1}, {'7', '7', 1},
         {'[', '[', 1}, {200, 200, 1}, {255, 255, 1}, {'[', '{', 0}, {64, 96, 0},     {96, 64, 0},   {0xE1, 0xC1, 0},

@@ -4,7 +4,6 @@
 #pragma once
 
 #include <algorithm>
-#include <array>
 #include <cctype>
 #include <cstdint>
 #include <cstring>
@@ -43,14 +42,6 @@ struct RoutineFacts {
     }
 };
 
-template <class T>
-constexpr Result resultOf() {
-    if constexpr (std::is_same_v<T, float>) return Result::real32;
-    if constexpr (std::is_same_v<T, double>) return Result::real64;
-    if constexpr (std::is_same_v<T, int32_t>) return Result::int32;
-    return Result::byte;
-}
-
 // The routines whose complex result goes through word 1.
 inline const std::vector<std::string> complexResults = {"cdotc", "cdotu", "zdotc", "zdotu", "cladiv", "zladiv"};
 
@@ -69,7 +60,11 @@ inline std::vector<RoutineFacts> forwardedTable() {
 #define FORWARDED(name, count, hasInfo) add(#name, count, hasInfo);
 #include "routines/cpu/forwarded_routines.inc"
 #undef FORWARDED
-#define RESULT(name, Type) find(#name).result = resultOf<Type>();
+#define RESULT(name, Type)                                                \
+    find(#name).result = std::is_same_v<Type, float>     ? Result::real32  \
+                         : std::is_same_v<Type, double>  ? Result::real64  \
+                         : std::is_same_v<Type, int32_t> ? Result::int32   \
+                                                         : Result::byte;
 #include "routines/cpu/result_classes.inc"
 #undef RESULT
 #define WORK_QUERY(name, ...) find(#name).query(RoutineFacts::Query<__VA_ARGS__>{});
@@ -129,11 +124,3 @@ inline std::string joined(const std::vector<std::string>& lines) {
     for (const auto& line : lines) text += "\n  " + line;
     return text;
 }
-
-#ifdef VORN_TEST_LINK_LIBRARY
-inline void* openLinkLibrary() {
-    void* link = openLibrary(VORN_TEST_LINK_LIBRARY);
-    if (link == nullptr) throw std::runtime_error("cannot open " VORN_TEST_LINK_LIBRARY);
-    return link;
-}
-#endif

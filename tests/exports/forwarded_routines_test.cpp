@@ -4,8 +4,8 @@
 // library (the words it receives, the log's lines, info and an ILP64 caller's high
 // halves, work queries, function results) and over a CPU library that cannot be
 // reached (nothing touched but a logged routine's info, results of 0).
+#include <array>
 #include <regex>
-#include <set>
 #include <sstream>
 
 #include "exports_test.h"
@@ -180,7 +180,8 @@ TEST_P(CpuOnlyRoutines, ReachTheirCpuRoutineOrTouchNothing) {
     if (scenario.verbose) setEnv("VORN_VERBOSE", "1");
     if (scenario.ilp64) setEnv("VORN_ILP64", "1");
     setEnv(reached ? "VORN_CPU_ALWAYS" : "VORN_EMU_INIT_STATUS", "1");
-    void* link = openLinkLibrary();
+    void* link = openLibrary(VORN_TEST_LINK_LIBRARY);
+    ASSERT_NE(link, nullptr) << VORN_TEST_LINK_LIBRARY;
     void* cpu = openLibrary(RECORDING_CPU_PATH);  // the one the link library loads where reached
     ForwardedCpuRecord& record = *reinterpret_cast<RecordingForwardedCpu>(librarySymbol(cpu, "recordingForwardedCpu"))();
     std::vector<Call> calls = allCalls(reached && scenario.ilp64);

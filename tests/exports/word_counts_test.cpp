@@ -6,7 +6,7 @@
 // not words of ours.
 //
 // Routines that neither header declares, so that only the tables vouch for them
-// (474; the test prints them), in the notation of the tables:
+// (474, a number the test holds), in the notation of the tables:
 //   sdcz: gbtf2 gebd2 gegs gegv gehd2 gelsx geqr2p gesc2 getc2 gtts2 labrd lacon
 //     ladiv laed0 laed7 laed8 laein laev2 lags2 lagtm lahqr lahr2 lahrd laic1 lals0
 //     lalsa lalsd lapll laqgb laqge laqp2 laqps laqr0 laqr1 laqr2 laqr3 laqr4 laqr5
@@ -41,22 +41,20 @@
 
 namespace {
 
-using Facts = RoutineFacts;
-
 // A routed routine's facts from its root's row: class B and C have info, class C
 // a work query on its lwork word.
 template <class Root>
-void addRouted(Facts& facts, int words) {
+void addRouted(RoutineFacts& facts, int words) {
     facts.words = words;
     facts.info = Root::frameClass != FrameClass::A;
     if constexpr (Root::frameClass == FrameClass::C)
-        facts.query(Facts::Query<Tested<Root::lwork>, typename Root::WorkLines>{});
+        facts.query(RoutineFacts::Query<Tested<Root::lwork>, typename Root::WorkLines>{});
 }
 
 // Ours, from the tables: the forwarded routines, and the routed ones that stand.
-std::map<std::string, Facts> ourRoutines() {
-    std::map<std::string, Facts> ours;
-    for (const Facts& routine : forwardedTable()) ours[routine.name] = routine;
+std::map<std::string, RoutineFacts> ourRoutines() {
+    std::map<std::string, RoutineFacts> ours;
+    for (const RoutineFacts& routine : forwardedTable()) ours[routine.name] = routine;
 #define ROUTED(base, Root, count, gpuFunction) addRouted<Root>(ours[#base], count);
 #include "routines/routed/routed_routines.inc"
 #undef ROUTED
@@ -66,9 +64,9 @@ std::map<std::string, Facts> ourRoutines() {
 // A published prototype as facts of ours. The BLAS header declares its functions
 // as subroutines named NAMEsub (`sub`) with the result's address last: a complex
 // result (void*) is word 1 in our convention, the others are returned.
-Facts theirFacts(const PublishedPrototype& prototype, bool sub) {
+RoutineFacts theirFacts(const PublishedPrototype& prototype, bool sub) {
     const std::vector<std::string>& parameters = prototype.parameters;
-    Facts facts;
+    RoutineFacts facts;
     facts.words = static_cast<int>(parameters.size());
     for (int i = 0; i < facts.words; ++i) {
         std::string parameter = lastIdentifier(parameters[i]);
@@ -111,8 +109,8 @@ TEST(WordCounts, TablesAgreeWithThePublishedPrototypes) {
         const bool sub = published.ends_with("sub") && ours.count(stem);
         const std::string name = sub ? stem : published;
         if (!ours.count(name)) continue;
-        const Facts& mine = ours.at(name);
-        const Facts theirs = theirFacts(prototype, sub);
+        const RoutineFacts& mine = ours.at(name);
+        const RoutineFacts theirs = theirFacts(prototype, sub);
         SCOPED_TRACE(name);
         // xerbla's hidden length is ours too: it travels by value as word 3.
         EXPECT_EQ(mine.words + (fewerWords.count(name.substr(1)) ? 1 : 0), theirs.words + (name == "xerbla"));
