@@ -45,7 +45,7 @@ TEST(Lsame, FoldsOnlyAsciiLettersAndStartsNothing) {
     const std::tuple<unsigned char, unsigned char, int32_t> cases[] = {
         {'a', 'A', 1}, {'A', 'a', 1}, {'z', 'Z', 1}, {'A', 'B', 0}, {'b', 'A', 0},   {'N', 'n', 1}, {'7', '7', 1},
         {'[', '[', 1}, {200, 200, 1}, {255, 255, 1}, {'[', '{', 0}, {64, 96, 0},     {96, 64, 0},   {0xE1, 0xC1, 0},
-        {0, 0, 1}};
+        {'{', '[', 0}, {0, 0, 1}};
     StdoutCapture output;
     for (const auto& name : spellings("lsame")) {
         const auto lsame = reinterpret_cast<int32_t (*)(const void*, const void*)>(librarySymbol(link, name.c_str()));
