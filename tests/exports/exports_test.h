@@ -4,7 +4,7 @@
 #pragma once
 
 #include <algorithm>
-#include <array>
+#include <cctype>
 #include <cstdint>
 #include <cstring>
 #include <gmock/gmock.h>
@@ -42,14 +42,6 @@ struct RoutineFacts {
     }
 };
 
-template <class T>
-constexpr Result resultOf() {
-    if constexpr (std::is_same_v<T, float>) return Result::real32;
-    if constexpr (std::is_same_v<T, double>) return Result::real64;
-    if constexpr (std::is_same_v<T, int32_t>) return Result::int32;
-    return Result::byte;
-}
-
 // The routines whose complex result goes through word 1.
 inline const std::vector<std::string> complexResults = {"cdotc", "cdotu", "zdotc", "zdotu", "cladiv", "zladiv"};
 
@@ -68,7 +60,11 @@ inline std::vector<RoutineFacts> forwardedTable() {
 #define FORWARDED(name, count, hasInfo) add(#name, count, hasInfo);
 #include "routines/cpu/forwarded_routines.inc"
 #undef FORWARDED
-#define RESULT(name, Type) find(#name).result = resultOf<Type>();
+#define RESULT(name, Type)                                                \
+    find(#name).result = std::is_same_v<Type, float>     ? Result::real32  \
+                         : std::is_same_v<Type, double>  ? Result::real64  \
+                         : std::is_same_v<Type, int32_t> ? Result::int32   \
+                                                         : Result::byte;
 #include "routines/cpu/result_classes.inc"
 #undef RESULT
 #define WORK_QUERY(name, ...) find(#name).query(RoutineFacts::Query<__VA_ARGS__>{});
@@ -78,24 +74,19 @@ inline std::vector<RoutineFacts> forwardedTable() {
     return table;
 }
 
-// Calls `function` with exactly words.size() words, and gives the bits of what it
-// returns, read in the width of its result.
-template <class R, std::size_t... I>
-R callWith(void* function, void* const* words, std::index_sequence<I...>) {
-    return reinterpret_cast<R (*)(decltype((void)I, static_cast<void*>(nullptr))...)>(function)(words[I]...);
-}
+// Calls `function` with the words, followed by nulls up to 32 (a routine reads
+// only its own), and gives the bits of what it returns, read in its result's width.
 template <class R>
-uint64_t callBits(void* function, const std::vector<void*>& words) {
-    static constexpr auto callers = []<std::size_t... N>(std::index_sequence<N...>) {
-        return std::array{
-            +[](void* f, void* const* w) { return callWith<R>(f, w, std::make_index_sequence<N + 1>{}); }...};
-    }
-    (std::make_index_sequence<32>{});
+uint64_t callBits(void* function, std::vector<void*> words) {
+    words.resize(32);
+    auto call = [&]<std::size_t... I>(std::index_sequence<I...>) {
+        return reinterpret_cast<R (*)(std::conditional_t<true, void*, decltype(I)>...)>(function)(words[I]...);
+    };
     uint64_t bits = 0;
     if constexpr (std::is_void_v<R>) {
-        callers.at(words.size() - 1)(function, words.data());
+        call(std::make_index_sequence<32>{});
     } else {
-        const R value = callers.at(words.size() - 1)(function, words.data());
+        const R value = call(std::make_index_sequence<32>{});
         std::memcpy(&bits, &value, sizeof value);
     }
     return bits;
@@ -122,16 +113,14 @@ struct Findings {
     }
 };
 
+inline std::vector<std::string> spellings(const std::string& name) {
+    std::string upper = name;
+    for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    return {name, name + "_", upper, upper + "_"};
+}
+
 inline std::string joined(const std::vector<std::string>& lines) {
     std::string text;
     for (const auto& line : lines) text += "\n  " + line;
     return text;
 }
-
-#ifdef VORN_TEST_LINK_LIBRARY
-inline void* openLinkLibrary() {
-    void* link = openLibrary(VORN_TEST_LINK_LIBRARY);
-    if (link == nullptr) throw std::runtime_error("cannot open " VORN_TEST_LINK_LIBRARY);
-    return link;
-}
-#endif

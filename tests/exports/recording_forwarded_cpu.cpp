@@ -9,21 +9,13 @@ static ForwardedCpuRecord record;
 
 extern "C" VORN_EXPORT ForwardedCpuRecord* recordingForwardedCpu() { return &record; }
 
+// Writes each work line's answer to its element 1, in the order of the lines.
 template <class Real, class... Lines>
 static void answerWork(void* const* words, WorkLines<Lines...>) {
     [[maybe_unused]] int k = 0;
-    [[maybe_unused]] auto write = [&](auto line) {
-        using Line = decltype(line);
-        void* element = words[Line::position - 1];
-        if constexpr (std::is_same_v<Line, WorkReal<Line::position>>) {
-            const Real value = static_cast<Real>(realWorkAnswer(k++));
-            std::memcpy(element, &value, sizeof value);
-        } else {
-            const int32_t value = integerWorkAnswer(k++);
-            std::memcpy(element, &value, sizeof value);
-        }
-    };
-    (write(Lines{}), ...);
+    [[maybe_unused]] auto put = [&](int word, auto value) { std::memcpy(words[word - 1], &value, sizeof value); };
+    (..., (std::is_same_v<Lines, WorkReal<Lines::position>> ? put(Lines::position, static_cast<Real>(realWorkAnswer(k++)))
+                                                          : put(Lines::position, integerWorkAnswer(k++))));
 }
 
 template <FixedString Name, int Words, bool HasInfo>

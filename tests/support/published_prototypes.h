@@ -1,11 +1,14 @@
-// The prototypes that the system's LAPACK and BLAS headers publish (lapack.h from
-// liblapacke-dev, cblas_f77.h from libblas-dev), read at test time: the
-// independent source that the routine tables are held against.
+// What the system publishes that the routine tables are held against: the
+// prototypes of its LAPACK and BLAS headers (lapack.h from liblapacke-dev,
+// cblas_f77.h from libblas-dev), read at test time, and the names a library
+// exports as nm lists them.
 #pragma once
 
 #include <cctype>
+#include <cstdio>
 #include <fstream>
 #include <map>
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -18,6 +21,8 @@ struct PublishedPrototype {
     int hiddenLengths = 0;
 };
 
+inline bool isWordCharacter(char c) { return std::isalnum(static_cast<unsigned char>(c)) || c == '_'; }
+
 inline std::string trimmedText(const std::string& text) {
     const auto first = text.find_first_not_of(" \t\n");
     return first == std::string::npos ? "" : text.substr(first, text.find_last_not_of(" \t\n") - first + 1);
@@ -25,11 +30,10 @@ inline std::string trimmedText(const std::string& text) {
 
 // The last identifier of a piece of C, "info" of "lapack_int* info".
 inline std::string lastIdentifier(const std::string& text) {
-    auto word = [](char c) { return std::isalnum(static_cast<unsigned char>(c)) || c == '_'; };
     std::size_t end = text.size();
-    while (end > 0 && !word(text[end - 1])) --end;
+    while (end > 0 && !isWordCharacter(text[end - 1])) --end;
     std::size_t begin = end;
-    while (begin > 0 && word(text[begin - 1])) --begin;
+    while (begin > 0 && isWordCharacter(text[begin - 1])) --begin;
     return text.substr(begin, end - begin);
 }
 
@@ -52,43 +56,56 @@ inline std::map<std::string, PublishedPrototype> readPublishedPrototypes(const s
         std::string keyword, id, value;
         words >> keyword >> id >> value;
         const auto open = value.find("_GLOBAL(");
-        if (keyword == "define" && open != std::string::npos) {
+        if (keyword == "define" && open != std::string::npos)
             fortranName[id] = value.substr(open + 8, value.find(',') - open - 8);
-        }
     }
     std::map<std::string, PublishedPrototype> prototypes;
     for (const auto& [id, name] : fortranName) {
         std::size_t at = text.find(id + "(");
-        while (at != std::string::npos && at > 0 && (std::isalnum(static_cast<unsigned char>(text[at - 1])) ||
-                                                    text[at - 1] == '_')) {
-            at = text.find(id + "(", at + 1);
-        }
+        while (at != std::string::npos && at > 0 && isWordCharacter(text[at - 1])) at = text.find(id + "(", at + 1);
         if (at == std::string::npos) continue;
-        PublishedPrototype prototype;
-        const std::size_t statement = text.find_last_of(";}", at);
-        prototype.returned = lastIdentifier(text.substr(statement == std::string::npos ? 0 : statement + 1,
-                                                        at - (statement == std::string::npos ? 0 : statement + 1)));
+        PublishedPrototype& prototype = prototypes[name];
+        const std::size_t statement = text.find_last_of(";}", at) + 1;  // 0 where there is none
+        prototype.returned = lastIdentifier(text.substr(statement, at - statement));
         std::string parameter;
         int depth = 1;
-        auto finish = [&] {
-            const std::string written = trimmedText(parameter);
-            if (written == "size_t") {
-                ++prototype.hiddenLengths;
-            } else if (!written.empty() && written != "void") {
-                prototype.parameters.push_back(written);
-            }
-            parameter.clear();
-        };
         for (std::size_t i = at + id.size() + 1; i < text.size() && depth > 0; ++i) {
-            const char c = text[i];
-            depth += c == '(' ? 1 : c == ')' ? -1 : 0;
-            if (depth == 0 || (depth == 1 && c == ',')) {
-                finish();
-            } else {
-                parameter += c;
+            depth += text[i] == '(' ? 1 : text[i] == ')' ? -1 : 0;
+            if (depth > 1 || (depth == 1 && text[i] != ',')) {
+                parameter += text[i];
+                continue;
             }
+            const std::string written = trimmedText(parameter);
+            if (written == "size_t") ++prototype.hiddenLengths;
+            else if (!written.empty() && written != "void") prototype.parameters.push_back(written);
+            parameter.clear();
         }
-        prototypes[name] = prototype;
     }
     return prototypes;
 }
+
+#ifdef VORN_LAPACK_HEADER
+// Both headers' prototypes; a name both declare keeps lapack.h's.
+inline std::map<std::string, PublishedPrototype> publishedPrototypes() {
+    auto prototypes = readPublishedPrototypes(VORN_LAPACK_HEADER);
+    prototypes.merge(readPublishedPrototypes(VORN_BLAS_HEADER));
+    return prototypes;
+}
+#endif
+
+#if !defined(_WIN32)
+// The dynamic symbols a library defines, as `nm -D --defined-only` lists them.
+inline std::multiset<std::string> definedDynamicSymbols(const std::string& nm, const std::string& library) {
+    std::multiset<std::string> names;
+    FILE* listing = popen((nm + " -D --defined-only " + library).c_str(), "r");
+    if (listing == nullptr) return names;
+    for (char line[512]; std::fgets(line, sizeof line, listing) != nullptr;) {
+        std::istringstream fields(line);
+        std::string address, type, name;
+        fields >> address >> type >> name;
+        names.insert(name);
+    }
+    if (pclose(listing) != 0) names.insert("(nm failed)");
+    return names;
+}
+#endif
