@@ -183,6 +183,9 @@ TEST(PackingTable, DerivedLengthsAtTheirWorkedValues) {
     EXPECT_EQ(treatmentOf<"sstemr">({{3, 5}, {10, 4}}, {{1, 'v'}}).at(15), (Treated{8, true}));
     EXPECT_EQ(treatmentOf<"dlaswp">({{5, 1 << 30}, {7, -4}}).at(6).length, 0);
     EXPECT_EQ(treatmentOf<"dsbgvx">({{18, 6}}, {{1, 'V'}}), (Treatment{{24, {6, true}}}));
+    // Fixed arrays, whatever the arguments say.
+    EXPECT_EQ(treatmentOf<"zlarnv">({{1, 3}, {3, -5}}), (Treatment{{2, {4, false}}}));
+    EXPECT_EQ(treatmentOf<"dlacn2">({}), (Treatment{{4, {scalar, false}}, {6, {scalar, false}}, {7, {3, false}}}));
 }
 
 // Pack moves each element's low half down to 4 bytes; unpack moves them back
