@@ -356,3 +356,53 @@ TEST(LuMultiplyCrossovers, EntryLineGpuArgumentsAndCrossover) {
                 recordSeen = recorded.size();
             }
 }
+
+// The packing kinds that only CPU-only routines have, through the forwarded frame
+// for a 64-bit caller, held against OpenBLAS's 32-bit calls: dlarnv's iseed, a
+// fixed array of 4 read and written; dtrevc's select, a LOGICAL array, and m, an
+// output scalar. Each array comes back with OpenBLAS's values zero-extended and
+// the element behind it as the caller left it.
+TEST(LuMultiplyCrossovers, Ilp64FixedAndLogicalArrays) {
+    setEnv("VORN_ILP64", "1");
+    using I64 = int64_t;
+    auto wide = [](std::vector<int> values, I64 behind) {
+        std::vector<I64> cells;
+        for (int v : values) cells.push_back(uint32_t(v) | (I64{highHalf} << 32));
+        cells.push_back(behind);
+        return cells;
+    };
+    auto zeroExtended = [](std::vector<int> values, I64 behind) {
+        std::vector<I64> cells(values.begin(), values.end());
+        for (I64& cell : cells) cell = uint32_t(cell);
+        cells.push_back(behind);
+        return cells;
+    };
+    using Larnv = void (*)(void*, void*, void*, double*);
+    std::vector<int> seed = {1, 2, 3, 5};
+    std::vector<double> x(7), expectedX(7);
+    int idist = 3, n = 7;
+    reinterpret_cast<Larnv>(referenceRoutine("dlarnv"))(&idist, seed.data(), &n, expectedX.data());
+    std::vector<I64> wideSeed = wide({1, 2, 3, 5}, -9), idist64 = wide({3}, 0), n64 = wide({7}, 0);
+    reinterpret_cast<Larnv>(linkRoutine("dlarnv"))(idist64.data(), wideSeed.data(), n64.data(), x.data());
+    EXPECT_EQ(x, expectedX);
+    EXPECT_EQ(wideSeed, zeroExtended(seed, -9));
+
+    // An upper triangular T of order 3 with distinct real eigenvalues; the
+    // eigenvectors of the first and third.
+    using Trevc = void (*)(const char*, const char*, void*, void*, double*, void*, double*, void*, double*, void*,
+                           void*, void*, double*, void*);
+    std::vector<double> t = {1, 0, 0, 2, 3, 0, 4, 5, 6}, vl(9), vr(9), expectedVr(9), work(9);
+    std::vector<int> select = {1, 0, 1}, three = {3}, m = {-1}, info = {-1};
+    reinterpret_cast<Trevc>(referenceRoutine("dtrevc"))("R", "S", select.data(), three.data(), t.data(), three.data(),
+                                                        vl.data(), three.data(), expectedVr.data(), three.data(),
+                                                        three.data(), m.data(), work.data(), info.data());
+    std::vector<I64> wideSelect = wide(select, 77), order = wide({3}, 0), wideM = wide({-1}, 0), wideInfo = wide({-1}, 0);
+    reinterpret_cast<Trevc>(linkRoutine("dtrevc"))("R", "S", wideSelect.data(), order.data(), t.data(), order.data(),
+                                                   vl.data(), order.data(), vr.data(), order.data(), order.data(),
+                                                   wideM.data(), work.data(), wideInfo.data());
+    EXPECT_EQ(vr, expectedVr);
+    EXPECT_EQ(wideSelect, zeroExtended(select, 77));
+    EXPECT_EQ(wideM, zeroExtended(m, 0));
+    EXPECT_EQ(wideInfo, zeroExtended(info, 0));
+    EXPECT_EQ(m[0], 2);
+}
