@@ -92,6 +92,8 @@ bool routedGpuCall(CallWords words, void* info) {
     return false;
 }
 
+// Two conditions that send a call to the CPU whatever else holds: the routine's
+// crossover says "never", or (class C) its lwork-like argument is -1.
 template <class Routine>
 bool linkIsExcluded() {
     return Routine::crossover() == crossoverNever;
