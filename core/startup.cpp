@@ -26,9 +26,6 @@ static void linkEnsureInitLock() {
     }
 }
 
-// The only action at process end: the GPU library's shutdown, registered with
-// atexit after a successful vornInitialize. The log stays open, the CPU library
-// loaded and the lock alive.
 // Once both start-ups are done, with the CPU library bound, the log off and
 // 32-bit callers, a call has nothing to do besides its route and its back-end
 // call: the frames test this one flag and take their short path. Called with
@@ -39,6 +36,9 @@ static void linkUpdatePlainCalls() {
     platformStoreRelease(&linkState.plainCalls, plain ? 1 : 0);
 }
 
+// The only action at process end: the GPU library's shutdown, registered with
+// atexit after a successful vornInitialize. The log stays open, the CPU library
+// loaded and the lock alive.
 static void linkShutdownGpu() { vornShutdown(); }
 
 int32_t linkStartUp() {

@@ -42,3 +42,10 @@ void* linkLookUpCpuFunction(CpuSlot& slot, const char* name);
 inline void* linkCpuFunction(CpuSlot& slot, const char* name) {
     return slot.function != nullptr ? slot.function : linkLookUpCpuFunction(slot, name);
 }
+
+// The routine's CPU function when a call may take the frames' short path (see
+// plainCalls), else null.
+template <class Routine>
+inline void* linkShortPathFunction() {
+    return platformLoadAcquire(&linkState.plainCalls) ? Routine::cpuSlot.function : nullptr;
+}

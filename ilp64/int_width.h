@@ -16,10 +16,7 @@
 // In ILP64 mode, a 0 in the high half of an integer output, so that the caller
 // reads the low half zero-extended.
 inline void linkClearHighHalf(void* output) {
-    if (linkState.ilp64) {
-        const int32_t zero = 0;
-        std::memcpy(static_cast<char*>(output) + 4, &zero, sizeof zero);
-    }
+    if (linkState.ilp64) linkZeroHighHalf(output);
 }
 
 // Stores a 32-bit value in the low half of an integer output and clears its high

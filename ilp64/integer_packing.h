@@ -15,6 +15,12 @@
 #include "routing/call_words.h"
 #include "routing/fixed_string.h"
 
+// A 0 in the high half of a 64-bit integer: its 4 bytes at the address plus 4.
+inline void linkZeroHighHalf(void* integer) {
+    const int32_t zero = 0;
+    std::memcpy(static_cast<char*>(integer) + 4, &zero, sizeof zero);
+}
+
 // Element i moves from byte 8*i to byte 4*i, going forward, so that no store
 // overtakes a read; the bytes behind the packed elements keep what they held. A
 // negative length skips the array.
@@ -27,11 +33,10 @@ inline void linkPackArray(void* array, int32_t length) {
 // backward, so that no store hits an element still unread.
 inline void linkUnpackArray(void* array, int32_t length) {
     auto* bytes = static_cast<unsigned char*>(array);
-    const int32_t zero = 0;
     for (int64_t i = int64_t{length} - 1; i >= 0; --i) {
         int32_t element;
         std::memcpy(&element, bytes + 4 * i, 4);
-        std::memcpy(bytes + 8 * i + 4, &zero, 4);
+        linkZeroHighHalf(bytes + 8 * i);
         std::memcpy(bytes + 8 * i, &element, 4);
     }
 }
@@ -71,10 +76,7 @@ struct UnpackStep {
     void outputArray(int place, Int32 length) const {
         if (!rejected) array(place, length);
     }
-    void scalar(int place) const {
-        const int32_t zero = 0;
-        std::memcpy(static_cast<char*>(words.pointer(place)) + 4, &zero, 4);
-    }
+    void scalar(int place) const { linkZeroHighHalf(words.pointer(place)); }
 };
 
 // Calls a row's steps with the arguments its parameter list names, each read

@@ -40,6 +40,12 @@ inline Result callCpuWords(void* function, CallWords words, std::index_sequence<
     return reinterpret_cast<Function>(function)(words.word[I]...);
 }
 
+// Calls a CPU library function with the caller's words as they came.
+template <class Result, class... Words>
+inline Result callCpuFunction(void* function, Words... words) {
+    return reinterpret_cast<Result (*)(Words...)>(function)(words...);
+}
+
 // A frame out of line, with the words by value: the exported routine that calls it
 // keeps no array of its own, so that both its ends can be jumps.
 template <auto Frame, class... Words>

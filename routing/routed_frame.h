@@ -168,17 +168,15 @@ template <class Routine, class... Words>
 [[gnu::always_inline]] inline void routedEntry(Words... words) {
     using Args = typename Routine::Args;
     static_assert(sizeof...(Words) == Routine::wordCount);
-    if (platformLoadAcquire(&linkState.plainCalls)) {
-        if (void* function = Routine::cpuSlot.function) {
-            void* const passed[] = {words...};
-            const CallWords callWords{passed};
-            if constexpr (Args::frameClass != FrameClass::A) std::memset(callWords.pointer(Args::info), 0, 4);
-            const RouteState first{linkState.gpuUnavailable != 0,   false,
-                                   linkIsRoutedWorkQuery<Routine>(callWords), linkIsExcluded<Routine>(),
-                                   linkState.cpuAlways != 0,        linkState.gpuAlways != 0,
-                                   measureUnderCrossover<Routine>(callWords)};
-            if (!linkRouteToGpu(first)) return reinterpret_cast<void (*)(Words...)>(function)(words...);
-        }
+    if (void* function = linkShortPathFunction<Routine>()) {
+        void* const passed[] = {words...};
+        const CallWords callWords{passed};
+        if constexpr (Args::frameClass != FrameClass::A) std::memset(callWords.pointer(Args::info), 0, 4);
+        const RouteState first{linkState.gpuUnavailable != 0,   false,
+                               linkIsRoutedWorkQuery<Routine>(callWords), linkIsExcluded<Routine>(),
+                               linkState.cpuAlways != 0,        linkState.gpuAlways != 0,
+                               measureUnderCrossover<Routine>(callWords)};
+        if (!linkRouteToGpu(first)) return callCpuFunction<void>(function, words...);
     }
     linkFrameOutOfLine<&routedFrame<Routine>>(words...);
 }

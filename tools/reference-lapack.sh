@@ -472,26 +472,23 @@ if ((ilp64 && ran32)); then
   printf '%d pairs of the 32-bit programs run against OpenBLAS alone to compare with, in %d s\n' "$ran32" "$seconds32"
 fi
 echo
-if ((${#not_run_lines[@]})); then
-  echo "pairs not run, known to hang under the link library (left out of the counts and the comparison):"
-  printf '  %s\n' "${not_run_lines[@]}"
-fi
-if ((${#notes[@]})); then
-  echo "pairs whose counts differ where the linked run is not worse (not regressions):"
-  printf '  note: %s\n' "${notes[@]}"
-fi
-if ((${#explained_lines[@]})); then
-  echo "pairs worse than the reference alone but no worse than OpenBLAS alone in the 32-bit run, explained"
-  echo "as OpenBLAS's own results (the linked run computes in OpenBLAS; not counted as regressions):"
-  printf '  %s\n' "${explained_lines[@]}"
-fi
-if ((${#known_lines[@]})); then
-  echo "pairs known to do worse under the link library (not counted as regressions):"
-  printf '  %s\n' "${known_lines[@]}"
-fi
-if ((${#regressions[@]})); then
-  echo "pairs where the linked run is worse or ended abnormally:"
-  printf '  %s\n' "${regressions[@]}"
+# A heading and its lines, two spaces in; nothing (and status 1) without lines.
+section() {
+  local heading=$1
+  shift
+  (($#)) || return 1
+  printf '%s\n' "$heading"
+  printf '  %s\n' "$@"
+}
+section "pairs not run, known to hang under the link library (left out of the counts and the comparison):" \
+  "${not_run_lines[@]}"
+section "pairs whose counts differ where the linked run is not worse (not regressions):" \
+  "${notes[@]/#/note: }"
+section "pairs worse than the reference alone but no worse than OpenBLAS alone in the 32-bit run, explained
+as OpenBLAS's own results (the linked run computes in OpenBLAS; not counted as regressions):" \
+  "${explained_lines[@]}"
+section "pairs known to do worse under the link library (not counted as regressions):" "${known_lines[@]}"
+if section "pairs where the linked run is worse or ended abnormally:" "${regressions[@]}"; then
   status=1
 else
   echo "no pair passed fewer checks, failed more or ended abnormally under the link library"

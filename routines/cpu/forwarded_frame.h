@@ -103,10 +103,7 @@ template <class Routine>
         words = CallWords{passed};
     }
     auto report = [&] {
-        if constexpr (Routine::hasInfo) {
-            const int32_t info = linkTakeInteger(words.pointer(Routine::wordCount));
-            if (linkState.verbose && info != 0) linkWriteLine("vorn info:  info returned as %d\n", info);
-        }
+        if constexpr (Routine::hasInfo) linkLogInfoReturned(linkTakeInteger(words.pointer(Routine::wordCount)));
         if constexpr (hasWorkQuery) {
             if (linkState.verbose && workQuery) {
                 linkWriteWorkLines<typename Routine::RealType>(words, typename WorkQuery::Lines{});
@@ -136,12 +133,9 @@ template <class Routine, class... Words>
     static_assert(sizeof...(Words) == Routine::wordCount);
     using Result = typename Routine::Result;
     if constexpr (lengthByValueWord<Routine::name> == 0) {
-        if (platformLoadAcquire(&linkState.plainCalls)) {
-            if (void* function = Routine::cpuSlot.function) {
-                auto cpuRoutine = reinterpret_cast<Result (*)(Words...)>(function);
-                if constexpr (std::is_void_v<Result>) return cpuRoutine(words...);
-                else return zeroExtended<Routine>(cpuRoutine(words...));
-            }
+        if (void* function = linkShortPathFunction<Routine>()) {
+            if constexpr (std::is_void_v<Result>) return callCpuFunction<Result>(function, words...);
+            else return zeroExtended<Routine>(callCpuFunction<Result>(function, words...));
         }
     }
     return linkFrameOutOfLine<&forwardedFrame<Routine>>(words...);

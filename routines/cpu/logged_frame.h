@@ -52,15 +52,13 @@ template <class Routine>
 template <class Routine, class... Words>
 [[gnu::always_inline]] inline void loggedEntry(Words... words) {
     static_assert(sizeof...(Words) == Routine::wordCount);
-    if (platformLoadAcquire(&linkState.plainCalls)) {
-        if (void* function = Routine::cpuSlot.function) {
-            if constexpr (Routine::hasInfo) {
-                void* info = nullptr;
-                ((info = words), ...);  // the last word
-                std::memset(info, 0, 4);
-            }
-            return reinterpret_cast<void (*)(Words...)>(function)(words...);
+    if (void* function = linkShortPathFunction<Routine>()) {
+        if constexpr (Routine::hasInfo) {
+            void* info = nullptr;
+            ((info = words), ...);  // the last word
+            std::memset(info, 0, 4);
         }
+        return callCpuFunction<void>(function, words...);
     }
     linkFrameOutOfLine<&loggedFrame<Routine>>(words...);
 }
