@@ -50,6 +50,33 @@ VORN_API int vornGetErrorInfo(void);
 
 /* Cholesky and triangular routines */
 VORN_API int vornSpotrf(char uplo, int n, float* a, int lda);
+VORN_API int vornDpotrf(char uplo, int n, double* a, int lda);
+VORN_API int vornCpotrf(char uplo, int n, vornFloatComplex* a, int lda);
+VORN_API int vornZpotrf(char uplo, int n, vornDoubleComplex* a, int lda);
+VORN_API int vornSpotrs(char uplo, int n, int nrhs, const float* a, int lda, float* b, int ldb);
+VORN_API int vornDpotrs(char uplo, int n, int nrhs, const double* a, int lda, double* b, int ldb);
+VORN_API int vornCpotrs(char uplo, int n, int nrhs, const vornFloatComplex* a, int lda, vornFloatComplex* b, int ldb);
+VORN_API int vornZpotrs(char uplo, int n, int nrhs, const vornDoubleComplex* a, int lda, vornDoubleComplex* b, int ldb);
+VORN_API int vornSpotri(char uplo, int n, float* a, int lda);
+VORN_API int vornDpotri(char uplo, int n, double* a, int lda);
+VORN_API int vornCpotri(char uplo, int n, vornFloatComplex* a, int lda);
+VORN_API int vornZpotri(char uplo, int n, vornDoubleComplex* a, int lda);
+VORN_API int vornSposv(char uplo, int n, int nrhs, float* a, int lda, float* b, int ldb);
+VORN_API int vornDposv(char uplo, int n, int nrhs, double* a, int lda, double* b, int ldb);
+VORN_API int vornCposv(char uplo, int n, int nrhs, vornFloatComplex* a, int lda, vornFloatComplex* b, int ldb);
+VORN_API int vornZposv(char uplo, int n, int nrhs, vornDoubleComplex* a, int lda, vornDoubleComplex* b, int ldb);
+VORN_API int vornSpbtrf(char uplo, int n, int kd, float* ab, int ldab);
+VORN_API int vornDpbtrf(char uplo, int n, int kd, double* ab, int ldab);
+VORN_API int vornCpbtrf(char uplo, int n, int kd, vornFloatComplex* ab, int ldab);
+VORN_API int vornZpbtrf(char uplo, int n, int kd, vornDoubleComplex* ab, int ldab);
+VORN_API int vornStrtri(char uplo, char diag, int n, float* a, int lda);
+VORN_API int vornDtrtri(char uplo, char diag, int n, double* a, int lda);
+VORN_API int vornCtrtri(char uplo, char diag, int n, vornFloatComplex* a, int lda);
+VORN_API int vornZtrtri(char uplo, char diag, int n, vornDoubleComplex* a, int lda);
+VORN_API int vornStrtrs(char uplo, char trans, char diag, int n, int nrhs, const float* a, int lda, float* b, int ldb);
+VORN_API int vornDtrtrs(char uplo, char trans, char diag, int n, int nrhs, const double* a, int lda, double* b, int ldb);
+VORN_API int vornCtrtrs(char uplo, char trans, char diag, int n, int nrhs, const vornFloatComplex* a, int lda, vornFloatComplex* b, int ldb);
+VORN_API int vornZtrtrs(char uplo, char trans, char diag, int n, int nrhs, const vornDoubleComplex* a, int lda, vornDoubleComplex* b, int ldb);
 
 /* LU routines */
 VORN_API int vornSgetrf(int m, int n, float* a, int lda, int* ipiv);
@@ -110,6 +137,83 @@ VORN_API int vornSsymv(char uplo, int n, float alpha, const float* a, int lda, c
 VORN_API int vornDsymv(char uplo, int n, double alpha, const double* a, int lda, const double* x, int incx, double beta, double* y, int incy);
 VORN_API int vornChemv(char uplo, int n, vornFloatComplex alpha, const vornFloatComplex* a, int lda, const vornFloatComplex* x, int incx, vornFloatComplex beta, vornFloatComplex* y, int incy);
 VORN_API int vornZhemv(char uplo, int n, vornDoubleComplex alpha, const vornDoubleComplex* a, int lda, const vornDoubleComplex* x, int incx, vornDoubleComplex beta, vornDoubleComplex* y, int incy);
+
+/* Orthogonal factorisations and the least squares drivers on them. They take no
+ * workspace: work and lwork serve the CPU library alone. */
+VORN_API int vornSgeqrf(int m, int n, float* a, int lda, float* tau);
+VORN_API int vornDgeqrf(int m, int n, double* a, int lda, double* tau);
+VORN_API int vornCgeqrf(int m, int n, vornFloatComplex* a, int lda, vornFloatComplex* tau);
+VORN_API int vornZgeqrf(int m, int n, vornDoubleComplex* a, int lda, vornDoubleComplex* tau);
+VORN_API int vornSgeqlf(int m, int n, float* a, int lda, float* tau);
+VORN_API int vornDgeqlf(int m, int n, double* a, int lda, double* tau);
+VORN_API int vornCgeqlf(int m, int n, vornFloatComplex* a, int lda, vornFloatComplex* tau);
+VORN_API int vornZgeqlf(int m, int n, vornDoubleComplex* a, int lda, vornDoubleComplex* tau);
+VORN_API int vornSgerqf(int m, int n, float* a, int lda, float* tau);
+VORN_API int vornDgerqf(int m, int n, double* a, int lda, double* tau);
+VORN_API int vornCgerqf(int m, int n, vornFloatComplex* a, int lda, vornFloatComplex* tau);
+VORN_API int vornZgerqf(int m, int n, vornDoubleComplex* a, int lda, vornDoubleComplex* tau);
+VORN_API int vornSgelqf(int m, int n, float* a, int lda, float* tau);
+VORN_API int vornDgelqf(int m, int n, double* a, int lda, double* tau);
+VORN_API int vornCgelqf(int m, int n, vornFloatComplex* a, int lda, vornFloatComplex* tau);
+VORN_API int vornZgelqf(int m, int n, vornDoubleComplex* a, int lda, vornDoubleComplex* tau);
+VORN_API int vornSgeqrfp(int m, int n, float* a, int lda, float* tau);
+VORN_API int vornDgeqrfp(int m, int n, double* a, int lda, double* tau);
+VORN_API int vornCgeqrfp(int m, int n, vornFloatComplex* a, int lda, vornFloatComplex* tau);
+VORN_API int vornZgeqrfp(int m, int n, vornDoubleComplex* a, int lda, vornDoubleComplex* tau);
+VORN_API int vornSgels(char trans, int m, int n, int nrhs, float* a, int lda, float* b, int ldb);
+VORN_API int vornDgels(char trans, int m, int n, int nrhs, double* a, int lda, double* b, int ldb);
+VORN_API int vornCgels(char trans, int m, int n, int nrhs, vornFloatComplex* a, int lda, vornFloatComplex* b, int ldb);
+VORN_API int vornZgels(char trans, int m, int n, int nrhs, vornDoubleComplex* a, int lda, vornDoubleComplex* b, int ldb);
+VORN_API int vornSgglse(int m, int n, int p, float* a, int lda, float* b, int ldb, float* c, float* d, float* x);
+VORN_API int vornDgglse(int m, int n, int p, double* a, int lda, double* b, int ldb, double* c, double* d, double* x);
+VORN_API int vornCgglse(int m, int n, int p, vornFloatComplex* a, int lda, vornFloatComplex* b, int ldb, vornFloatComplex* c, vornFloatComplex* d, vornFloatComplex* x);
+VORN_API int vornZgglse(int m, int n, int p, vornDoubleComplex* a, int lda, vornDoubleComplex* b, int ldb, vornDoubleComplex* c, vornDoubleComplex* d, vornDoubleComplex* x);
+VORN_API int vornSggrqf(int m, int p, int n, float* a, int lda, float* taua, float* b, int ldb, float* taub);
+VORN_API int vornDggrqf(int m, int p, int n, double* a, int lda, double* taua, double* b, int ldb, double* taub);
+VORN_API int vornCggrqf(int m, int p, int n, vornFloatComplex* a, int lda, vornFloatComplex* taua, vornFloatComplex* b, int ldb, vornFloatComplex* taub);
+VORN_API int vornZggrqf(int m, int p, int n, vornDoubleComplex* a, int lda, vornDoubleComplex* taua, vornDoubleComplex* b, int ldb, vornDoubleComplex* taub);
+
+/* Generation and use of orthogonal (real) and unitary (complex) factors */
+VORN_API int vornSorgbr(char vect, int m, int n, int k, float* a, int lda, const float* tau);
+VORN_API int vornDorgbr(char vect, int m, int n, int k, double* a, int lda, const double* tau);
+VORN_API int vornCungbr(char vect, int m, int n, int k, vornFloatComplex* a, int lda, const vornFloatComplex* tau);
+VORN_API int vornZungbr(char vect, int m, int n, int k, vornDoubleComplex* a, int lda, const vornDoubleComplex* tau);
+VORN_API int vornSorghr(int n, int ilo, int ihi, float* a, int lda, const float* tau);
+VORN_API int vornDorghr(int n, int ilo, int ihi, double* a, int lda, const double* tau);
+VORN_API int vornCunghr(int n, int ilo, int ihi, vornFloatComplex* a, int lda, const vornFloatComplex* tau);
+VORN_API int vornZunghr(int n, int ilo, int ihi, vornDoubleComplex* a, int lda, const vornDoubleComplex* tau);
+VORN_API int vornSorglq(int m, int n, int k, float* a, int lda, const float* tau);
+VORN_API int vornDorglq(int m, int n, int k, double* a, int lda, const double* tau);
+VORN_API int vornCunglq(int m, int n, int k, vornFloatComplex* a, int lda, const vornFloatComplex* tau);
+VORN_API int vornZunglq(int m, int n, int k, vornDoubleComplex* a, int lda, const vornDoubleComplex* tau);
+VORN_API int vornSorgql(int m, int n, int k, float* a, int lda, const float* tau);
+VORN_API int vornDorgql(int m, int n, int k, double* a, int lda, const double* tau);
+VORN_API int vornCungql(int m, int n, int k, vornFloatComplex* a, int lda, const vornFloatComplex* tau);
+VORN_API int vornZungql(int m, int n, int k, vornDoubleComplex* a, int lda, const vornDoubleComplex* tau);
+VORN_API int vornSorgqr(int m, int n, int k, float* a, int lda, const float* tau);
+VORN_API int vornDorgqr(int m, int n, int k, double* a, int lda, const double* tau);
+VORN_API int vornCungqr(int m, int n, int k, vornFloatComplex* a, int lda, const vornFloatComplex* tau);
+VORN_API int vornZungqr(int m, int n, int k, vornDoubleComplex* a, int lda, const vornDoubleComplex* tau);
+VORN_API int vornSorgrq(int m, int n, int k, float* a, int lda, const float* tau);
+VORN_API int vornDorgrq(int m, int n, int k, double* a, int lda, const double* tau);
+VORN_API int vornCungrq(int m, int n, int k, vornFloatComplex* a, int lda, const vornFloatComplex* tau);
+VORN_API int vornZungrq(int m, int n, int k, vornDoubleComplex* a, int lda, const vornDoubleComplex* tau);
+VORN_API int vornSormlq(char side, char trans, int m, int n, int k, const float* a, int lda, const float* tau, float* c, int ldc);
+VORN_API int vornDormlq(char side, char trans, int m, int n, int k, const double* a, int lda, const double* tau, double* c, int ldc);
+VORN_API int vornCunmlq(char side, char trans, int m, int n, int k, const vornFloatComplex* a, int lda, const vornFloatComplex* tau, vornFloatComplex* c, int ldc);
+VORN_API int vornZunmlq(char side, char trans, int m, int n, int k, const vornDoubleComplex* a, int lda, const vornDoubleComplex* tau, vornDoubleComplex* c, int ldc);
+VORN_API int vornSormql(char side, char trans, int m, int n, int k, const float* a, int lda, const float* tau, float* c, int ldc);
+VORN_API int vornDormql(char side, char trans, int m, int n, int k, const double* a, int lda, const double* tau, double* c, int ldc);
+VORN_API int vornCunmql(char side, char trans, int m, int n, int k, const vornFloatComplex* a, int lda, const vornFloatComplex* tau, vornFloatComplex* c, int ldc);
+VORN_API int vornZunmql(char side, char trans, int m, int n, int k, const vornDoubleComplex* a, int lda, const vornDoubleComplex* tau, vornDoubleComplex* c, int ldc);
+VORN_API int vornSormqr(char side, char trans, int m, int n, int k, const float* a, int lda, const float* tau, float* c, int ldc);
+VORN_API int vornDormqr(char side, char trans, int m, int n, int k, const double* a, int lda, const double* tau, double* c, int ldc);
+VORN_API int vornCunmqr(char side, char trans, int m, int n, int k, const vornFloatComplex* a, int lda, const vornFloatComplex* tau, vornFloatComplex* c, int ldc);
+VORN_API int vornZunmqr(char side, char trans, int m, int n, int k, const vornDoubleComplex* a, int lda, const vornDoubleComplex* tau, vornDoubleComplex* c, int ldc);
+VORN_API int vornSormrq(char side, char trans, int m, int n, int k, const float* a, int lda, const float* tau, float* c, int ldc);
+VORN_API int vornDormrq(char side, char trans, int m, int n, int k, const double* a, int lda, const double* tau, double* c, int ldc);
+VORN_API int vornCunmrq(char side, char trans, int m, int n, int k, const vornFloatComplex* a, int lda, const vornFloatComplex* tau, vornFloatComplex* c, int ldc);
+VORN_API int vornZunmrq(char side, char trans, int m, int n, int k, const vornDoubleComplex* a, int lda, const vornDoubleComplex* tau, vornDoubleComplex* c, int ldc);
 
 #ifdef __cplusplus
 }

@@ -361,9 +361,57 @@ template <class T> struct MixedGesv {
     }
 };
 
+// A routine that cuSOLVER and cuBLAS cannot compute as LAPACK defines it: the
+// "not available" status, and the link library runs it on the CPU library. The
+// org and orm roots are named ung and unm in complex precisions.
+template <class T, const char* Real, const char* Complex> struct LeftToCpu {
+    using Type = T; static constexpr const char* root = isComplex<T> ? Complex : Real;
+    static constexpr bool available = false;
+    template <class... Args> explicit LeftToCpu(Args...) {}
+    int illegalArgument() const { return 0; }
+    bool nothingToDo() const { return false; }
+    auto operands() const { return std::array<Operand, 0>{}; }
+    int compute(const Gpu&) const { return 0; }
+};
+#define VORN_CUDA_LEFT_TO_CPU(real, complex)                                                   \
+    constexpr char real##Name[] = #real, real##ComplexName[] = #complex;                       \
+    template <class T> using real##Row = LeftToCpu<T, real##Name, real##ComplexName>;
+VORN_CUDA_LEFT_TO_CPU(potrs, potrs) VORN_CUDA_LEFT_TO_CPU(potri, potri) VORN_CUDA_LEFT_TO_CPU(posv, posv)
+VORN_CUDA_LEFT_TO_CPU(pbtrf, pbtrf) VORN_CUDA_LEFT_TO_CPU(trtri, trtri) VORN_CUDA_LEFT_TO_CPU(trtrs, trtrs)
+VORN_CUDA_LEFT_TO_CPU(geqrf, geqrf) VORN_CUDA_LEFT_TO_CPU(geqlf, geqlf) VORN_CUDA_LEFT_TO_CPU(gerqf, gerqf)
+VORN_CUDA_LEFT_TO_CPU(gelqf, gelqf) VORN_CUDA_LEFT_TO_CPU(geqrfp, geqrfp) VORN_CUDA_LEFT_TO_CPU(gels, gels)
+VORN_CUDA_LEFT_TO_CPU(gglse, gglse) VORN_CUDA_LEFT_TO_CPU(ggrqf, ggrqf) VORN_CUDA_LEFT_TO_CPU(orgbr, ungbr)
+VORN_CUDA_LEFT_TO_CPU(orghr, unghr) VORN_CUDA_LEFT_TO_CPU(orglq, unglq) VORN_CUDA_LEFT_TO_CPU(orgql, ungql)
+VORN_CUDA_LEFT_TO_CPU(orgqr, ungqr) VORN_CUDA_LEFT_TO_CPU(orgrq, ungrq) VORN_CUDA_LEFT_TO_CPU(ormlq, unmlq)
+VORN_CUDA_LEFT_TO_CPU(ormql, unmql) VORN_CUDA_LEFT_TO_CPU(ormqr, unmqr) VORN_CUDA_LEFT_TO_CPU(ormrq, unmrq)
+
 // The row each root of the GPU function list runs, over the element type.
 namespace rowOf {
 template <class T> using potrf = Potrf<T>;
+template <class T> using potrs = potrsRow<T>;
+template <class T> using potri = potriRow<T>;
+template <class T> using posv = posvRow<T>;
+template <class T> using pbtrf = pbtrfRow<T>;
+template <class T> using trtri = trtriRow<T>;
+template <class T> using trtrs = trtrsRow<T>;
+template <class T> using geqrf = geqrfRow<T>;
+template <class T> using geqlf = geqlfRow<T>;
+template <class T> using gerqf = gerqfRow<T>;
+template <class T> using gelqf = gelqfRow<T>;
+template <class T> using geqrfp = geqrfpRow<T>;
+template <class T> using gels = gelsRow<T>;
+template <class T> using gglse = gglseRow<T>;
+template <class T> using ggrqf = ggrqfRow<T>;
+template <class T> using orgbr = orgbrRow<T>;
+template <class T> using orghr = orghrRow<T>;
+template <class T> using orglq = orglqRow<T>;
+template <class T> using orgql = orgqlRow<T>;
+template <class T> using orgqr = orgqrRow<T>;
+template <class T> using orgrq = orgrqRow<T>;
+template <class T> using ormlq = ormlqRow<T>;
+template <class T> using ormql = ormqlRow<T>;
+template <class T> using ormqr = ormqrRow<T>;
+template <class T> using ormrq = ormrqRow<T>;
 template <class T> using getrf = Getrf<T>;
 template <class T> using getrs = Getrs<T>;
 template <class T> using getri = Getri<T>;

@@ -70,6 +70,17 @@ void emulatorRecordCall(const char* gpuName, Args... args) {
     emulatorRecord("%s)", line);
 }
 
+// What the CPU routine gets for one argument of a GPU function: an array as it
+// is, a by-value argument by its address.
+template <class Arg>
+void* emulatorAddress(Arg& value) {
+    if constexpr (std::is_pointer_v<Arg>) {
+        return const_cast<void*>(static_cast<const void*>(value));
+    } else {
+        return &value;
+    }
+}
+
 // The usual emulated routine: record the call, answer with a forced status if one
 // is set, else run the CPU routine of the same name with the addresses of the
 // by-value arguments, the arrays as they are and, with info, the address of a
@@ -85,21 +96,14 @@ int emulate(const char* gpuName, Args... args) {
     if (const int readiness = emulatorReadiness()) return readiness;
     void* function = emulatorCpuFunction(Routine.c_str());
     if (function == nullptr) return VORN_STATUS_NOT_AVAILABLE;
-    auto address = [](auto& value) -> void* {
-        if constexpr (std::is_pointer_v<std::remove_reference_t<decltype(value)>>) {
-            return const_cast<void*>(static_cast<const void*>(value));
-        } else {
-            return &value;
-        }
-    };
     if constexpr (HasInfo) {
         int info = 0;
         using Function = void (*)(decltype((void)args, (void*)nullptr)..., void*);
-        reinterpret_cast<Function>(function)(address(args)..., &info);
+        reinterpret_cast<Function>(function)(emulatorAddress(args)..., &info);
         return emulatorAnswer(info);
     } else {
         using Function = void (*)(decltype((void)args, (void*)nullptr)...);
-        reinterpret_cast<Function>(function)(address(args)...);
+        reinterpret_cast<Function>(function)(emulatorAddress(args)...);
         return VORN_STATUS_SUCCESS;
     }
 }
@@ -124,25 +128,25 @@ inline double realPart(double v) { return v; }
 inline double realPart(vornFloatComplex v) { return v.re; }
 inline double realPart(vornDoubleComplex v) { return v.re; }
 
-// getri without the caller's workspace: the emulator asks the CPU routine for the
-// optimal size and brings its own.
-template <FixedString Routine, class T>
-int emulateGetri(const char* gpuName, int n, T* a, int lda, const int* ipiv) {
+// A routine whose CPU routine takes work and lwork before info, which the GPU
+// interface leaves out (getri, the orthogonal factorisations and factors): the
+// emulator asks the CPU routine for the optimal size and brings its own.
+template <FixedString Routine, class T, class... Args>
+int emulateWithWorkspace(const char* gpuName, Args... args) {
     int status;
-    if (emulatorAnswersEarly<Routine>(status, gpuName, n, static_cast<const void*>(a), lda,
-                                      static_cast<const void*>(ipiv))) {
-        return status;
-    }
-    using Getri = void (*)(const int*, T*, const int*, const int*, T*, const int*, int*);
-    auto getri = reinterpret_cast<Getri>(emulatorCpuFunction(Routine.c_str()));
-    if (getri == nullptr) return VORN_STATUS_NOT_AVAILABLE;
+    if (emulatorAnswersEarly<Routine>(status, gpuName, args...)) return status;
+    void* function = emulatorCpuFunction(Routine.c_str());
+    if (function == nullptr) return VORN_STATUS_NOT_AVAILABLE;
+    using Function = void (*)(decltype((void)args, (void*)nullptr)..., T*, int*, int*);
+    auto call = [&](T* work, int lwork) {
+        int info = 0;
+        reinterpret_cast<Function>(function)(emulatorAddress(args)..., work, &lwork, &info);
+        return info;
+    };
     T size{};
-    int lwork = -1, info = 0;
-    getri(&n, a, &lda, ipiv, &size, &lwork, &info);
-    lwork = std::max(1, static_cast<int>(realPart(size)));
-    std::vector<T> work(lwork);
-    getri(&n, a, &lda, ipiv, work.data(), &lwork, &info);
-    return emulatorAnswer(info);
+    call(&size, -1);
+    std::vector<T> work(std::max(1, static_cast<int>(realPart(size))));
+    return emulatorAnswer(call(work.data(), static_cast<int>(work.size())));
 }
 
 // dsgesv and zcgesv: the single-precision workspace (and zcgesv's rwork) and

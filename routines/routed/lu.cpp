@@ -5,3 +5,10 @@
 #define ROUTED VORN_ROUTED_ROUTINE
 #include "routines/routed/lu.inc"
 #undef ROUTED
+
+// The family's size as its routine table counts it.
+#define ROUTED(...) +1
+static_assert(0
+#include "routines/routed/lu.inc"
+              == 22);
+#undef ROUTED

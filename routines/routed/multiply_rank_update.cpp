@@ -5,3 +5,10 @@
 #define ROUTED VORN_ROUTED_ROUTINE
 #include "routines/routed/multiply_rank_update.inc"
 #undef ROUTED
+
+// The family's size as its routine table counts it.
+#define ROUTED(...) +1
+static_assert(0
+#include "routines/routed/multiply_rank_update.inc"
+              == 34);
+#undef ROUTED

@@ -38,6 +38,8 @@
 #include "routines/routed/cholesky_triangular_rows.h"
 #include "routines/routed/lu_rows.h"
 #include "routines/routed/multiply_rank_update_rows.h"
+#include "routines/routed/orthogonal_factorisations_rows.h"
+#include "routines/routed/orthogonal_factors_rows.h"
 
 namespace {
 

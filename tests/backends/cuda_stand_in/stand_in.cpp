@@ -306,6 +306,21 @@ template <class T> void scribble(T* a, int n, int lda) {
 // device memory; the mixed-precision solvers at the call, since they answer their
 // iteration count on the host.
 
+#define STAND_IN_POTRF(p, P, T) \
+    cusolverStatus_t cusolverDn##P##potrf_bufferSize(cusolverDnHandle_t h, cublasFillMode_t, int n, T*, int, \
+                                                     int* lwork) { \
+        if (h == nullptr) return CUSOLVER_STATUS_NOT_INITIALIZED; \
+        *lwork = n + 1; \
+        return CUSOLVER_STATUS_SUCCESS; \
+    } \
+    cusolverStatus_t cusolverDn##P##potrf(cusolverDnHandle_t h, cublasFillMode_t u, int n, T* A, int lda, T* work, \
+                                         int lwork, int* info) { \
+        if (lwork < n + 1) return CUSOLVER_STATUS_INVALID_VALUE; \
+        return launch(h, "cusolverDn" #P "potrf", {{"A", A, n, n, lda}, words("workspace", work, lwork), \
+                      words("info", info, 1)}, \
+                      [=, uplo = fill(u)] { openBlas(#p "potrf_", &uplo, &n, A, &lda, info, oneChar); }); \
+    }
+
 #define STAND_IN_LU(p, P, T) \
     cusolverStatus_t cusolverDn##P##getrf_bufferSize(cusolverDnHandle_t h, int m, int n, T*, int, int* lwork) { \
         if (h == nullptr) return CUSOLVER_STATUS_NOT_INITIALIZED; \
@@ -476,18 +491,7 @@ cusolverStatus_t cusolverDnSetStream(cusolverDnHandle_t handle, cudaStream_t str
     return CUSOLVER_STATUS_SUCCESS;
 }
 
-cusolverStatus_t cusolverDnSpotrf_bufferSize(cusolverDnHandle_t h, cublasFillMode_t, int n, float*, int, int* lwork) {
-    if (h == nullptr) return CUSOLVER_STATUS_NOT_INITIALIZED;
-    *lwork = n + 1;
-    return CUSOLVER_STATUS_SUCCESS;
-}
-cusolverStatus_t cusolverDnSpotrf(cusolverDnHandle_t h, cublasFillMode_t u, int n, float* A, int lda, float* work,
-                                  int lwork, int* info) {
-    if (lwork < n + 1) return CUSOLVER_STATUS_INVALID_VALUE;
-    return launch(h, "cusolverDnSpotrf", {{"A", A, n, n, lda}, words("workspace", work, lwork), words("info", info, 1)},
-                  [=, uplo = fill(u)] { openBlas("spotrf_", &uplo, &n, A, &lda, info, oneChar); });
-}
-
+STAND_IN_EACH_TYPE(STAND_IN_POTRF)
 STAND_IN_EACH_TYPE(STAND_IN_LU)
 STAND_IN_MIXED(DS, ds, double, float)
 STAND_IN_MIXED(ZC, zc, Z, C, rwork,)
