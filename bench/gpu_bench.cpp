@@ -1,5 +1,5 @@
 // GPU benchmark: dgemm, zgemm, dgetrf, dgesv and dtrsm at n = 256 ... 16384,
-// each timed
+// and dpotrf, dgeqrf and dormqr (Q^T C, C square) at n = 4096, each timed
 //   link     through the link library over the CUDA GPU library (VORN_GPU_ALWAYS=1,
 //            so every call goes to the GPU), host arrays in and out;
 //   openblas OpenBLAS on all cores, the same call;
@@ -7,6 +7,7 @@
 //   nvblas   dgemm through NVBLAS (a run of its own, with libnvblas.so preloaded);
 // and the fixed cost of one small GPU call (n = 64). tools/run-gpu-bench.sh runs
 // it and turns the CSV into a table with the break-even size of each routine.
+// Without a GPU it says so and measures nothing.
 //
 //   gpu_bench run LINK_LIBRARY OUT.csv [BUDGET_SECONDS]
 //   gpu_bench nvblas OUT.csv [BUDGET_SECONDS]
@@ -35,7 +36,15 @@ using Z = std::complex<double>;
 using Clock = std::chrono::steady_clock;
 
 const int sizes[] = {256, 512, 1024, 2048, 4096, 8192, 16384};
-const char* const routines[] = {"dgemm", "zgemm", "dgetrf", "dgesv", "dtrsm"};
+// Each routine and the sizes it is timed at. The three at one size come first,
+// so that the sweep's time budget never skips them.
+struct Timed { const char* routine; std::vector<int> sizes; };
+const Timed timed[] = {
+    {"dpotrf", {4096}}, {"dgeqrf", {4096}}, {"dormqr", {4096}},
+    {"dgemm", {std::begin(sizes), std::end(sizes)}}, {"zgemm", {std::begin(sizes), std::end(sizes)}},
+    {"dgetrf", {std::begin(sizes), std::end(sizes)}}, {"dgesv", {std::begin(sizes), std::end(sizes)}},
+    {"dtrsm", {std::begin(sizes), std::end(sizes)}},
+};
 constexpr double cpuCapSeconds = 60;   // a CPU call estimated longer than this is skipped
 constexpr double pointSeconds = 1.5;    // repetitions per point stop after about this long
 
@@ -47,10 +56,14 @@ using Dgetrf = void (*)(const int*, const int*, double*, const int*, int*, int*)
 using Dgesv = void (*)(const int*, const int*, double*, const int*, int*, double*, const int*, int*);
 using Dtrsm = void (*)(const char*, const char*, const char*, const char*, const int*, const int*, const double*,
                        const double*, const int*, double*, const int*);
+using Dpotrf = void (*)(const char*, const int*, double*, const int*, int*);
+using Dgeqrf = void (*)(const int*, const int*, double*, const int*, double*, double*, const int*, int*);
+using Dormqr = void (*)(const char*, const char*, const int*, const int*, const int*, const double*, const int*,
+                        const double*, double*, const int*, double*, const int*, int*);
 
-// One implementation of the five routines, Fortran style (link library, OpenBLAS, NVBLAS).
+// One implementation of the routines, Fortran style (link library, OpenBLAS, NVBLAS).
 struct Host {
-    Dgemm dgemm; Zgemm zgemm; Dgetrf dgetrf; Dgesv dgesv; Dtrsm dtrsm;
+    Dgemm dgemm; Zgemm zgemm; Dgetrf dgetrf; Dgesv dgesv; Dtrsm dtrsm; Dpotrf dpotrf; Dgeqrf dgeqrf; Dormqr dormqr;
 };
 Host hostFrom(void* handle) {
     auto get = [&](const char* name) {
@@ -60,7 +73,8 @@ Host hostFrom(void* handle) {
     };
     return {reinterpret_cast<Dgemm>(get("dgemm_")), reinterpret_cast<Zgemm>(get("zgemm_")),
             reinterpret_cast<Dgetrf>(get("dgetrf_")), reinterpret_cast<Dgesv>(get("dgesv_")),
-            reinterpret_cast<Dtrsm>(get("dtrsm_"))};
+            reinterpret_cast<Dtrsm>(get("dtrsm_")), reinterpret_cast<Dpotrf>(get("dpotrf_")),
+            reinterpret_cast<Dgeqrf>(get("dgeqrf_")), reinterpret_cast<Dormqr>(get("dormqr_"))};
 }
 
 double flops(const std::string& routine, double n) {
@@ -68,16 +82,22 @@ double flops(const std::string& routine, double n) {
     if (routine == "zgemm") return 8 * n * n * n;
     if (routine == "dgetrf") return 2.0 / 3 * n * n * n;
     if (routine == "dgesv") return 2.0 / 3 * n * n * n + 2 * n * n;
+    if (routine == "dpotrf") return 1.0 / 3 * n * n * n;
+    if (routine == "dgeqrf") return 4.0 / 3 * n * n * n;
+    if (routine == "dormqr") return 2.0 * n * n * n;  // m = n = k
     return n * n * n;  // dtrsm, m = n
 }
 
-// The problem of one size: inputs made once, restored before each call.
+// The problem of one size: inputs made once, restored before each call. dpotrf
+// reads the lower triangle of a, diagonally dominant and so positive definite;
+// dormqr applies the Q of OpenBLAS's QR factors of a (made by factor) to c.
 struct Problem {
     int n;
-    std::vector<double> a, b, c, a0, c0;
+    std::vector<double> a, b, c, a0, c0, tau, work;
     std::vector<Z> za, zb, zc;
     std::vector<int> ipiv;
-    Problem(const std::string& routine, int size) : n(size), ipiv(size) {
+    Problem(const std::string& routine, int size) : n(size), tau(size), ipiv(size) {
+        if (routine == "dgeqrf" || routine == "dormqr") work.resize(std::size_t(size) * 256);
         const std::size_t nn = std::size_t(n) * n;
         auto fill = [&](std::vector<double>& v, std::size_t count, unsigned seed, bool diagonal) {
             v.resize(count);
@@ -100,14 +120,19 @@ struct Problem {
         a0 = a;
         c0 = routine == "dgemm" ? c : b;
     }
+    void factor(const Host& h) {
+        const int lwork = int(work.size());
+        int info = 0;
+        h.dgeqrf(&n, &n, a.data(), &n, tau.data(), work.data(), &lwork, &info);
+    }
     void restore(const std::string& routine) {
-        if (routine == "dgetrf" || routine == "dgesv") a = a0;
-        if (routine == "dgesv" || routine == "dtrsm") b = c0;
+        if (routine == "dgetrf" || routine == "dgesv" || routine == "dpotrf" || routine == "dgeqrf") a = a0;
+        if (routine == "dgesv" || routine == "dtrsm" || routine == "dormqr") b = c0;
     }
 };
 
 void callHost(const Host& h, const std::string& routine, Problem& p) {
-    const int n = p.n, one = 1;
+    const int n = p.n, one = 1, lwork = int(p.work.size());
     const double alpha = 1, beta = 0.5;
     int info = 0;
     if (routine == "dgemm") h.dgemm("N", "N", &n, &n, &n, &alpha, p.a.data(), &n, p.b.data(), &n, &beta, p.c.data(), &n);
@@ -116,6 +141,10 @@ void callHost(const Host& h, const std::string& routine, Problem& p) {
         h.zgemm("N", "N", &n, &n, &n, &za, p.za.data(), &n, p.zb.data(), &n, &zb, p.zc.data(), &n);
     } else if (routine == "dgetrf") h.dgetrf(&n, &n, p.a.data(), &n, p.ipiv.data(), &info);
     else if (routine == "dgesv") h.dgesv(&n, &one, p.a.data(), &n, p.ipiv.data(), p.b.data(), &n, &info);
+    else if (routine == "dpotrf") h.dpotrf("L", &n, p.a.data(), &n, &info);
+    else if (routine == "dgeqrf") h.dgeqrf(&n, &n, p.a.data(), &n, p.tau.data(), p.work.data(), &lwork, &info);
+    else if (routine == "dormqr")
+        h.dormqr("L", "T", &n, &n, &n, p.a.data(), &n, p.tau.data(), p.b.data(), &n, p.work.data(), &lwork, &info);
     else h.dtrsm("L", "L", "N", "N", &n, &n, &alpha, p.a.data(), &n, p.b.data(), &n);
 }
 
@@ -124,10 +153,10 @@ struct Device {
     cublasHandle_t blas = nullptr;
     cusolverDnHandle_t solver = nullptr;
     cudaStream_t stream = nullptr;
-    void *a = nullptr, *b = nullptr, *c = nullptr, *a0 = nullptr, *work = nullptr;
+    void *a = nullptr, *b = nullptr, *c = nullptr, *a0 = nullptr, *b0 = nullptr, *tau = nullptr, *work = nullptr;
     int* ipiv = nullptr;
     int* info = nullptr;
-    int n = 0;
+    int n = 0, lwork = 0;
     bool ok = false;
     bool prepare(const std::string& routine, Problem& p) {
         release();
@@ -141,11 +170,18 @@ struct Device {
             cusolverDnCreate(&solver);
             cusolverDnSetStream(solver, stream);
         }
-        int lwork = 0;
-        cusolverDnDgetrf_bufferSize(solver, n, n, nullptr, n, &lwork);
+        // The largest workspace any of the routines asks for at this size.
+        int sizes[4] = {};
+        cusolverDnDgetrf_bufferSize(solver, n, n, nullptr, n, &sizes[0]);
+        cusolverDnDpotrf_bufferSize(solver, CUBLAS_FILL_MODE_LOWER, n, nullptr, n, &sizes[1]);
+        cusolverDnDgeqrf_bufferSize(solver, n, n, nullptr, n, &sizes[2]);
+        cusolverDnDormqr_bufferSize(solver, CUBLAS_SIDE_LEFT, CUBLAS_OP_T, n, n, n, nullptr, n, nullptr, nullptr, n,
+                                    &sizes[3]);
+        lwork = std::max(1, *std::max_element(std::begin(sizes), std::end(sizes)));
         ok = cudaMalloc(&a, bytes) == cudaSuccess && cudaMalloc(&b, bytes) == cudaSuccess &&
              cudaMalloc(&c, bytes) == cudaSuccess && cudaMalloc(&a0, bytes) == cudaSuccess &&
-             cudaMalloc(&work, std::max<std::size_t>(lwork, 1) * sizeof(double)) == cudaSuccess &&
+             cudaMalloc(&b0, bytes) == cudaSuccess && cudaMalloc(&tau, n * sizeof(double)) == cudaSuccess &&
+             cudaMalloc(&work, std::size_t(lwork) * sizeof(double)) == cudaSuccess &&
              cudaMalloc(&ipiv, n * sizeof(int)) == cudaSuccess && cudaMalloc(&info, sizeof(int)) == cudaSuccess;
         if (!ok) return false;
         if (routine == "zgemm") {
@@ -156,13 +192,20 @@ struct Device {
             cudaMemcpy(a0, p.a0.data(), bytes, cudaMemcpyHostToDevice);
             cudaMemcpy(a, p.a0.data(), bytes, cudaMemcpyHostToDevice);
             cudaMemcpy(b, p.c0.data(), p.c0.size() * sizeof(double), cudaMemcpyHostToDevice);
+            cudaMemcpy(b0, p.c0.data(), p.c0.size() * sizeof(double), cudaMemcpyHostToDevice);
             if (routine == "dgemm") cudaMemcpy(c, p.c.data(), bytes, cudaMemcpyHostToDevice);
+            if (routine == "dormqr") {  // the factors, not the matrix they came from
+                cudaMemcpy(a, p.a.data(), bytes, cudaMemcpyHostToDevice);
+                cudaMemcpy(tau, p.tau.data(), n * sizeof(double), cudaMemcpyHostToDevice);
+            }
         }
         return true;
     }
     void restore(const std::string& routine) {
-        if (routine == "dgetrf" || routine == "dgesv")
-            cudaMemcpyAsync(a, a0, std::size_t(n) * n * sizeof(double), cudaMemcpyDeviceToDevice, stream);
+        const std::size_t bytes = std::size_t(n) * n * sizeof(double);
+        if (routine == "dgetrf" || routine == "dgesv" || routine == "dpotrf" || routine == "dgeqrf")
+            cudaMemcpyAsync(a, a0, bytes, cudaMemcpyDeviceToDevice, stream);
+        if (routine == "dormqr") cudaMemcpyAsync(b, b0, bytes, cudaMemcpyDeviceToDevice, stream);
         cudaStreamSynchronize(stream);
     }
     void call(const std::string& routine) {
@@ -174,6 +217,13 @@ struct Device {
             cublasZgemm(blas, CUBLAS_OP_N, CUBLAS_OP_N, n, n, n, &za, static_cast<cuDoubleComplex*>(a), n,
                         static_cast<cuDoubleComplex*>(b), n, &zb, static_cast<cuDoubleComplex*>(c), n);
         } else if (routine == "dgetrf") cusolverDnDgetrf(solver, n, n, A, n, static_cast<double*>(work), ipiv, info);
+        else if (routine == "dpotrf")
+            cusolverDnDpotrf(solver, CUBLAS_FILL_MODE_LOWER, n, A, n, static_cast<double*>(work), lwork, info);
+        else if (routine == "dgeqrf")
+            cusolverDnDgeqrf(solver, n, n, A, n, static_cast<double*>(tau), static_cast<double*>(work), lwork, info);
+        else if (routine == "dormqr")
+            cusolverDnDormqr(solver, CUBLAS_SIDE_LEFT, CUBLAS_OP_T, n, n, n, A, n, static_cast<double*>(tau), B, n,
+                             static_cast<double*>(work), lwork, info);
         else if (routine == "dgesv") {
             cusolverDnDgetrf(solver, n, n, A, n, static_cast<double*>(work), ipiv, info);
             cusolverDnDgetrs(solver, CUBLAS_OP_N, n, 1, A, n, ipiv, B, n, info);
@@ -182,9 +232,9 @@ struct Device {
         cudaStreamSynchronize(stream);
     }
     void release() {
-        for (void* p : {a, b, c, a0, work, static_cast<void*>(ipiv), static_cast<void*>(info)})
+        for (void* p : {a, b, c, a0, b0, tau, work, static_cast<void*>(ipiv), static_cast<void*>(info)})
             if (p != nullptr) cudaFree(p);
-        a = b = c = a0 = work = nullptr;
+        a = b = c = a0 = b0 = tau = work = nullptr;
         ipiv = info = nullptr;
     }
 };
@@ -216,7 +266,16 @@ void record(std::FILE* out, const std::string& routine, int n, const char* side,
     std::fprintf(stderr, "%-7s %6d %-9s %10.4f s %9.1f GFLOP/s %s\n", routine.c_str(), n, side, p.median, gflops, note);
 }
 
+// Whether the CUDA run-time finds a GPU; if not, says so.
+bool gpuPresent() {
+    int count = 0;
+    if (cudaGetDeviceCount(&count) == cudaSuccess && count > 0) return true;
+    std::fprintf(stderr, "gpu_bench: no GPU: nothing measured\n");
+    return false;
+}
+
 int run(const char* linkPath, const char* outPath, double budget) {
+    if (!gpuPresent()) return 0;
     const auto begin = Clock::now();
     void* linkHandle = dlopen(linkPath, RTLD_NOW | RTLD_LOCAL);
     void* openblasHandle = dlopen("libopenblas.so.0", RTLD_NOW | RTLD_LOCAL);
@@ -253,14 +312,16 @@ int run(const char* linkPath, const char* outPath, double budget) {
     }
 
     Device device;
-    for (const std::string routine : routines) {
+    for (const Timed& t : timed) {
+        const std::string routine = t.routine;
         double cpuPrevious = 0;
-        for (int n : sizes) {
+        for (int n : t.sizes) {
             if (seconds(begin) > budget) {
                 record(out, routine, n, "all", {0, 0}, "skipped: time budget");
                 continue;
             }
             Problem p(routine, n);
+            if (routine == "dormqr") p.factor(openblas);
             const double expectedGpu = flops(routine, n) / 5e12 + 3.0 * n * n * 16 / 5e9;
             record(out, routine, n, "link", measure([&] { p.restore(routine); }, [&] { callHost(link, routine, p); }, expectedGpu), "");
             if (device.prepare(routine, p))
@@ -286,13 +347,15 @@ int run(const char* linkPath, const char* outPath, double budget) {
 
 // NVBLAS is preloaded: dgemm_ in the global scope is its own.
 int runNvblas(const char* outPath, double budget) {
+    if (!gpuPresent()) return 0;
     const auto begin = Clock::now();
     auto dgemm = reinterpret_cast<Dgemm>(dlsym(RTLD_DEFAULT, "dgemm_"));
     if (dgemm == nullptr) {
         std::fprintf(stderr, "gpu_bench: no dgemm_ in the process: is libnvblas.so preloaded?\n");
         return 1;
     }
-    Host nvblas{dgemm, nullptr, nullptr, nullptr, nullptr};
+    Host nvblas{};
+    nvblas.dgemm = dgemm;
     std::FILE* out = std::fopen(outPath, "w");
     std::fprintf(out, "routine,n,side,seconds,gflops,reps,note\n");
     for (int n : sizes) {
@@ -329,10 +392,11 @@ int report(int count, char** paths) {
     for (const auto& [side, secs] : t["fixed"][64]) std::printf("| %s | %.1f us |\n", side.c_str(), secs * 1e6);
     std::printf("\n### Time per call (seconds, median)\n\n");
     std::string breakEven;
-    for (const char* routine : routines) {
+    for (const Timed& timedRoutine : timed) {
+        const char* routine = timedRoutine.routine;
         std::printf("| %s n | link (CUDA) | device cuBLAS/cuSOLVER | link / device | OpenBLAS | nvblas |\n|---|---|---|---|---|---|\n", routine);
         int from = 0;
-        for (int n : sizes) {
+        for (int n : timedRoutine.sizes) {
             auto& row = t[routine][n];
             auto cell = [&](const char* side) {
                 char text[64];

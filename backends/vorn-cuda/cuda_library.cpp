@@ -49,6 +49,7 @@ void destroy(ThreadContext* c) {
     if (c->stream != nullptr) cudaStreamDestroy(c->stream);
     if (c->device != nullptr) cudaFree(c->device);
     if (c->staging != nullptr) cudaFreeHost(c->staging);
+    if (c->host != nullptr) cudaFreeHost(c->host);
     delete c;
 }
 
@@ -192,6 +193,18 @@ int reserveDevice(ThreadContext& c, std::size_t bytes) {
         if (cudaError_t error = cudaMalloc(&c.device, grown)) return cudaFailure(error, "workspace", "cudaMalloc");
     }
     c.deviceBytes = grown;
+    return 0;
+}
+
+// Exactly the size asked for: the host scratch is small (a diagonal, cuSOLVER's
+// host workspace). Every call ends synchronised, so the old one is idle.
+int reserveHost(ThreadContext& c, std::size_t bytes) {
+    if (bytes <= c.hostBytes) return 0;
+    if (c.host != nullptr) cudaFreeHost(c.host);
+    c.host = nullptr;
+    c.hostBytes = 0;
+    if (cudaError_t error = cudaMallocHost(&c.host, bytes)) return cudaFailure(error, "host scratch", "cudaMallocHost");
+    c.hostBytes = bytes;
     return 0;
 }
 

@@ -38,7 +38,7 @@ struct Settings {
 extern Settings settings;
 
 // What one calling thread owns: its stream and the handles bound to it, its
-// growing GPU workspace and its two pinned staging slots. A thread takes a free
+// growing GPU workspace and host scratch, and its two pinned staging slots. A thread takes a free
 // context on its first call and gives it back when it exits, so thread pools reuse
 // them; vornShutdown destroys them all.
 struct ThreadContext {
@@ -48,6 +48,8 @@ struct ThreadContext {
     char* device;               // GPU workspace, grown on demand, never shrunk
     std::size_t deviceBytes;
     char* staging;              // pinned: two slots of settings.stagingBytes, then the info words
+    char* host;                 // pinned host scratch, grown on demand, never shrunk
+    std::size_t hostBytes;
     cudaEvent_t slotFree[2];    // recorded after the last copy that reads or writes a slot
     int nextSlot;
     ThreadContext* next;        // the registry's list
@@ -63,6 +65,9 @@ ThreadContext* threadContext(int& status);
 
 // Makes the thread's GPU workspace at least `bytes` long.
 int reserveDevice(ThreadContext& context, std::size_t bytes);
+// Makes the thread's pinned host scratch at least `bytes` long: cuSOLVER's host
+// workspace, and what a routine reads back from the GPU before it goes on.
+int reserveHost(ThreadContext& context, std::size_t bytes);
 
 // Failure statuses with a text for vornGetStatusString on the calling thread.
 int fail(int status, const char* routine, const char* what, const char* detail);

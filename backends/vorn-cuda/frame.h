@@ -38,7 +38,20 @@ inline constexpr std::nullptr_t none = nullptr;
   X(getrf,      cusolverDnSgetrf,              cusolverDnDgetrf,              cusolverDnCgetrf,              cusolverDnZgetrf) \
   X(getrs,      cusolverDnSgetrs,              cusolverDnDgetrs,              cusolverDnCgetrs,              cusolverDnZgetrs) \
   X(mixedSize,  none,                          cusolverDnDSgesv_bufferSize,   none,                          cusolverDnZCgesv_bufferSize) \
-  X(mixedGesv,  none,                          cusolverDnDSgesv,              none,                          cusolverDnZCgesv)
+  X(mixedGesv,  none,                          cusolverDnDSgesv,              none,                          cusolverDnZCgesv) \
+  X(potrs,      cusolverDnSpotrs,              cusolverDnDpotrs,              cusolverDnCpotrs,              cusolverDnZpotrs) \
+  X(potriSize,  cusolverDnSpotri_bufferSize,   cusolverDnDpotri_bufferSize,   cusolverDnCpotri_bufferSize,   cusolverDnZpotri_bufferSize) \
+  X(potri,      cusolverDnSpotri,              cusolverDnDpotri,              cusolverDnCpotri,              cusolverDnZpotri) \
+  X(trtriSize,  cusolverDnXtrtri_bufferSize,   cusolverDnXtrtri_bufferSize,   cusolverDnXtrtri_bufferSize,   cusolverDnXtrtri_bufferSize) \
+  X(trtri,      cusolverDnXtrtri,              cusolverDnXtrtri,              cusolverDnXtrtri,              cusolverDnXtrtri) \
+  X(geqrfSize,  cusolverDnSgeqrf_bufferSize,   cusolverDnDgeqrf_bufferSize,   cusolverDnCgeqrf_bufferSize,   cusolverDnZgeqrf_bufferSize) \
+  X(geqrf,      cusolverDnSgeqrf,              cusolverDnDgeqrf,              cusolverDnCgeqrf,              cusolverDnZgeqrf) \
+  X(orgqrSize,  cusolverDnSorgqr_bufferSize,   cusolverDnDorgqr_bufferSize,   cusolverDnCungqr_bufferSize,   cusolverDnZungqr_bufferSize) \
+  X(orgqr,      cusolverDnSorgqr,              cusolverDnDorgqr,              cusolverDnCungqr,              cusolverDnZungqr) \
+  X(ormqrSize,  cusolverDnSormqr_bufferSize,   cusolverDnDormqr_bufferSize,   cusolverDnCunmqr_bufferSize,   cusolverDnZunmqr_bufferSize) \
+  X(ormqr,      cusolverDnSormqr,              cusolverDnDormqr,              cusolverDnCunmqr,              cusolverDnZunmqr) \
+  X(orgbrSize,  cusolverDnSorgbr_bufferSize,   cusolverDnDorgbr_bufferSize,   cusolverDnCungbr_bufferSize,   cusolverDnZungbr_bufferSize) \
+  X(orgbr,      cusolverDnSorgbr,              cusolverDnDorgbr,              cusolverDnCungbr,              cusolverDnZungbr)
 
 #define VORN_CUDA_COLUMN_S(root, s, d, c, z) static constexpr auto root = s;
 #define VORN_CUDA_COLUMN_D(root, s, d, c, z) static constexpr auto root = d;
@@ -46,22 +59,27 @@ inline constexpr std::nullptr_t none = nullptr;
 #define VORN_CUDA_COLUMN_Z(root, s, d, c, z) static constexpr auto root = z;
 
 // Per element type of the interface: the CUDA type of the same layout, the real
-// type, the precision letter and the functions.
+// type, the precision letter, the type's name in cuSOLVER's generic API and the
+// functions.
 template <class T> struct Library;
 template <> struct Library<float> {
     using Device = float; using Real = float; static constexpr char letter = 's';
+    static constexpr cudaDataType dataType = CUDA_R_32F;
     VORN_CUDA_FUNCTIONS(VORN_CUDA_COLUMN_S)
 };
 template <> struct Library<double> {
     using Device = double; using Real = double; static constexpr char letter = 'd';
+    static constexpr cudaDataType dataType = CUDA_R_64F;
     VORN_CUDA_FUNCTIONS(VORN_CUDA_COLUMN_D)
 };
 template <> struct Library<vornFloatComplex> {
     using Device = cuComplex; using Real = float; static constexpr char letter = 'c';
+    static constexpr cudaDataType dataType = CUDA_C_32F;
     VORN_CUDA_FUNCTIONS(VORN_CUDA_COLUMN_C)
 };
 template <> struct Library<vornDoubleComplex> {
     using Device = cuDoubleComplex; using Real = double; static constexpr char letter = 'z';
+    static constexpr cudaDataType dataType = CUDA_C_64F;
     VORN_CUDA_FUNCTIONS(VORN_CUDA_COLUMN_Z)
 };
 static_assert(sizeof(vornFloatComplex) == sizeof(cuComplex) && sizeof(vornDoubleComplex) == sizeof(cuDoubleComplex));
@@ -79,6 +97,11 @@ template <class T> bool isZero(const T& v) {
 }
 template <class T> bool isOne(const T& v) {
     if constexpr (isComplex<T>) return v.re == 1 && v.im == 0; else return v == 1;
+}
+template <class T> T unit() {
+    T one{};
+    if constexpr (isComplex<T>) one.re = 1; else one = 1;
+    return one;
 }
 
 // LAPACK's character tests: case-insensitive, one byte.
@@ -127,16 +150,22 @@ template <class T> Operand vector(T* host, int n, int inc, Use use) {
 }
 
 // What a row's computation sees: the handles, the operands on the GPU, its scratch
-// space and two info words (LAPACK's, and one for calls whose info is not LAPACK's).
+// space on the GPU and on the host (pinned) and two info words (LAPACK's, and one
+// for calls whose info is not LAPACK's).
 struct Gpu {
     ThreadContext& context;
     const char* routine;
     Operand* operands;
     char* scratch;
+    char* hostScratch;
     int* info;
     int* ignoredInfo;
     template <class T> typename Library<T>::Device* at(int i) const {
         return reinterpret_cast<typename Library<T>::Device*>(context.device + operands[i].offset);
+    }
+    // The GPU scratch from byte `from` on, as elements.
+    template <class T> typename Library<T>::Device* work(std::size_t from = 0) const {
+        return reinterpret_cast<typename Library<T>::Device*>(scratch + from);
     }
     int* pivots(int i) const { return reinterpret_cast<int*>(context.device + operands[i].offset); }
     int ld(int i) const { return operands[i].deviceLd(); }
@@ -165,8 +194,11 @@ inline std::size_t aligned(std::size_t bytes) { return (bytes + 255) & ~std::siz
 
 // The frame. A row may add: `static constexpr bool available = false` (the
 // routine is left to the CPU), `int numericalCheck() const` (info > 0 found on the
-// host, before anything is copied), `int scratchBytes(ThreadContext&, std::size_t&)
-// const` (GPU scratch beyond the operands).
+// host, before anything is copied), `const char* unsupported() const` (arguments
+// whose result cuSOLVER cannot give as LAPACK does: left to the CPU), `int
+// scratchBytes(ThreadContext&, std::size_t&) const` (GPU scratch beyond the
+// operands), `int hostScratchBytes(ThreadContext&, std::size_t&) const` (pinned
+// host scratch).
 template <class Row>
 int run(const Row& row) {
     char routine[16];
@@ -208,6 +240,10 @@ int run(const Row& row) {
     }
     const std::size_t scratchOffset = bytes;
     if ((status = reserveDevice(c, bytes + scratch))) return status;
+    if constexpr (requires { row.hostScratchBytes(c, scratch); }) {
+        std::size_t hostScratch = 0;
+        if ((status = row.hostScratchBytes(c, hostScratch)) || (status = reserveHost(c, hostScratch))) return status;
+    }
 
     std::array<bool, std::tuple_size_v<decltype(operands)>> pinned{};
     struct Unpin {
@@ -230,7 +266,7 @@ int run(const Row& row) {
         return cudaFailure(error, routine, "cudaMemsetAsync");
     for (const Operand& o : operands)
         if (o.use != Use::out && o.bytes() > 0 && (status = upload(c, o, routine))) return status;
-    const Gpu gpu{c, routine, operands.data(), c.device + scratchOffset, info, info + 32};
+    const Gpu gpu{c, routine, operands.data(), c.device + scratchOffset, c.host, info, info + 32};
     status = row.compute(gpu);
 
     // Everything on the stream has finished (or failed) before the info word is read.

@@ -5,6 +5,9 @@
 // implementation's order, LAPACK's quick return, the operands with the part of
 // the caller's array that is read or written, and the cuBLAS or cuSOLVER calls.
 // The frame (frame.h) does the rest.
+#include <cmath>
+#include <limits>
+
 #include "frame.h"
 #include "vorn_gpu_functions.h"
 
@@ -165,8 +168,30 @@ template <class T, bool Hermitian> struct Symv {
     }
 };
 
-// ---- LU routines (and potrf, the one Cholesky routine of the interface so
-// far): statuses 7 and 8 with info as LAPACK gives it.
+// ---- Cholesky and triangular routines: statuses 7 and 8 with info as LAPACK
+// gives it.
+
+// The scratch bytes of a row whose only GPU scratch is the workspace that its
+// lwork query gives in elements.
+template <class Row> int workspaceBytes(const Row& row, ThreadContext& c, std::size_t& bytes) {
+    int elements = 0;
+    const int status = row.lwork(c, elements);
+    bytes = aligned(std::size_t(elements) * sizeof(typename Row::Type));
+    return status;
+}
+
+// The first exactly zero element on the diagonal of an n x n host matrix, as
+// LAPACK's trtri and trtrs look for it before they compute: 1-based, 0 when none.
+template <class T> int firstZeroOnDiagonal(const T* a, int n, int lda) {
+    for (int i = 0; i < n; ++i)
+        if (isZero(a[i + std::size_t(i) * lda])) return i + 1;
+    return 0;
+}
+
+template <class T> int potrfWork(ThreadContext& c, char uplo, int n, const char* routine, int& lwork) {
+    cusolverStatus_t s = Library<T>::potrfSize(c.solver, fill(uplo), n, nullptr, atLeastOne(n), &lwork);
+    return s ? solverFailure(s, routine, "potrf_bufferSize") : 0;
+}
 
 // potrf. A matrix that is not positive definite leaves
 // the factor of its leading minor in a, as in LAPACK.
@@ -176,23 +201,136 @@ template <class T> struct Potrf {
     int illegalArgument() const { return firstIllegal({{1, !oneOf(uplo, "UL")}, {2, n < 0}, {4, lda < atLeastOne(n)}}); }
     bool nothingToDo() const { return n == 0; }
     auto operands() const { return std::array{inOut(a, n, n, lda, true)}; }
-    int lwork(ThreadContext& c, int& lwork) const {
-        cusolverStatus_t s = Library<T>::potrfSize(c.solver, fill(uplo), n, nullptr, atLeastOne(n), &lwork);
-        return s ? solverFailure(s, "potrf", "potrf_bufferSize") : 0;
-    }
-    int scratchBytes(ThreadContext& c, std::size_t& bytes) const {
-        int elements = 0;
-        const int status = lwork(c, elements);
-        bytes = aligned(std::size_t(elements) * sizeof(T));
-        return status;
-    }
+    int lwork(ThreadContext& c, int& elements) const { return potrfWork<T>(c, uplo, n, root, elements); }
+    int scratchBytes(ThreadContext& c, std::size_t& bytes) const { return workspaceBytes(*this, c, bytes); }
     int compute(const Gpu& g) const {
         int elements = 0;
         if (int status = lwork(g.context, elements)) return status;
-        auto* work = reinterpret_cast<typename Library<T>::Device*>(g.scratch);
-        return g.solver(Library<T>::potrf(g.context.solver, fill(uplo), n, g.at<T>(0), g.ld(0), work, elements, g.info), "potrf");
+        return g.solver(Library<T>::potrf(g.context.solver, fill(uplo), n, g.at<T>(0), g.ld(0), g.work<T>(), elements,
+                                          g.info), "potrf");
     }
 };
+
+// potrs.
+template <class T> struct Potrs {
+    using Type = T; static constexpr const char* root = "potrs";
+    char uplo; int n, nrhs; const T* a; int lda; T* b; int ldb;
+    int illegalArgument() const {
+        return firstIllegal({{1, !oneOf(uplo, "UL")}, {2, n < 0}, {3, nrhs < 0}, {5, lda < atLeastOne(n)},
+                             {7, ldb < atLeastOne(n)}});
+    }
+    bool nothingToDo() const { return n == 0 || nrhs == 0; }
+    auto operands() const { return std::array{in(a, n, n, lda), inOut(b, n, nrhs, ldb)}; }
+    int compute(const Gpu& g) const {
+        return g.solver(Library<T>::potrs(g.context.solver, fill(uplo), n, nrhs, g.at<T>(0), g.ld(0), g.at<T>(1),
+                                          g.ld(1), g.info), "potrs");
+    }
+};
+
+// posv: potrf, then potrs. A matrix that is not positive definite leaves the
+// factor of its leading minor in a and b as it was; nrhs = 0 still factors.
+template <class T> struct Posv {
+    using Type = T; static constexpr const char* root = "posv";
+    char uplo; int n, nrhs; T* a; int lda; T* b; int ldb;
+    int illegalArgument() const {
+        return firstIllegal({{1, !oneOf(uplo, "UL")}, {2, n < 0}, {3, nrhs < 0}, {5, lda < atLeastOne(n)},
+                             {7, ldb < atLeastOne(n)}});
+    }
+    bool nothingToDo() const { return n == 0; }
+    auto operands() const { return std::array{inOut(a, n, n, lda, true), inOut(b, n, nrhs, ldb)}; }
+    int lwork(ThreadContext& c, int& elements) const { return potrfWork<T>(c, uplo, n, root, elements); }
+    int scratchBytes(ThreadContext& c, std::size_t& bytes) const { return workspaceBytes(*this, c, bytes); }
+    int compute(const Gpu& g) const {
+        int elements = 0;
+        if (int status = lwork(g.context, elements)) return status;
+        if (int status = g.solver(Library<T>::potrf(g.context.solver, fill(uplo), n, g.at<T>(0), g.ld(0), g.work<T>(),
+                                                    elements, g.info), "potrf"))
+            return status;
+        if (nrhs == 0) return 0;
+        // After a failed factorisation b holds nothing useful, and info > 0 keeps it from the caller.
+        return g.solver(Library<T>::potrs(g.context.solver, fill(uplo), n, nrhs, g.at<T>(0), g.ld(0), g.at<T>(1),
+                                          g.ld(1), g.ignoredInfo), "potrs");
+    }
+};
+
+// potri. LAPACK inverts the factor with trtri first, which finds an exactly
+// zero diagonal element before it computes: found here on the host, a untouched.
+template <class T> struct Potri {
+    using Type = T; static constexpr const char* root = "potri";
+    char uplo; int n; T* a; int lda;
+    int illegalArgument() const { return firstIllegal({{1, !oneOf(uplo, "UL")}, {2, n < 0}, {4, lda < atLeastOne(n)}}); }
+    int numericalCheck() const { return firstZeroOnDiagonal(a, n, lda); }
+    bool nothingToDo() const { return n == 0; }
+    auto operands() const { return std::array{inOut(a, n, n, lda)}; }
+    int lwork(ThreadContext& c, int& elements) const {
+        cusolverStatus_t s = Library<T>::potriSize(c.solver, fill(uplo), n, nullptr, atLeastOne(n), &elements);
+        return s ? solverFailure(s, root, "potri_bufferSize") : 0;
+    }
+    int scratchBytes(ThreadContext& c, std::size_t& bytes) const { return workspaceBytes(*this, c, bytes); }
+    int compute(const Gpu& g) const {
+        int elements = 0;
+        if (int status = lwork(g.context, elements)) return status;
+        return g.solver(Library<T>::potri(g.context.solver, fill(uplo), n, g.at<T>(0), g.ld(0), g.work<T>(), elements,
+                                          g.info), "potri");
+    }
+};
+
+// trtri, through cuSOLVER's generic interface, which asks for host workspace
+// too. With a non-unit diagonal an exactly zero element is found on the host
+// first, as LAPACK does, and leaves a untouched.
+template <class T> struct Trtri {
+    using Type = T; static constexpr const char* root = "trtri";
+    char uplo, diag; int n; T* a; int lda;
+    int illegalArgument() const {
+        return firstIllegal({{1, !oneOf(uplo, "UL")}, {2, !oneOf(diag, "NU")}, {3, n < 0}, {5, lda < atLeastOne(n)}});
+    }
+    int numericalCheck() const { return upper(diag) == 'N' ? firstZeroOnDiagonal(a, n, lda) : 0; }
+    bool nothingToDo() const { return n == 0; }
+    auto operands() const { return std::array{inOut(a, n, n, lda)}; }
+    int sizes(ThreadContext& c, std::size_t& device, std::size_t& host) const {
+        cusolverStatus_t s = Library<T>::trtriSize(c.solver, fill(uplo), diagOf(diag), n, Library<T>::dataType, nullptr,
+                                                   atLeastOne(n), &device, &host);
+        return s ? solverFailure(s, root, "Xtrtri_bufferSize") : 0;
+    }
+    int scratchBytes(ThreadContext& c, std::size_t& bytes) const {
+        std::size_t host = 0;
+        const int status = sizes(c, bytes, host);
+        bytes = aligned(bytes);
+        return status;
+    }
+    int hostScratchBytes(ThreadContext& c, std::size_t& bytes) const {
+        std::size_t device = 0;
+        return sizes(c, device, bytes);
+    }
+    int compute(const Gpu& g) const {
+        std::size_t device = 0, host = 0;
+        if (int status = sizes(g.context, device, host)) return status;
+        return g.solver(Library<T>::trtri(g.context.solver, fill(uplo), diagOf(diag), n, Library<T>::dataType,
+                                          g.at<T>(0), g.ld(0), g.scratch, device, g.hostScratch, host, g.info),
+                        "Xtrtri");
+    }
+};
+
+// trtrs: LAPACK's check for an exactly zero diagonal element (on the host, b
+// untouched; made even without right-hand sides), then cuBLAS's triangular solve.
+template <class T> struct Trtrs {
+    using Type = T; static constexpr const char* root = "trtrs";
+    char uplo, trans, diag; int n, nrhs; const T* a; int lda; T* b; int ldb;
+    int illegalArgument() const {
+        return firstIllegal({{1, !oneOf(uplo, "UL")}, {2, !oneOf(trans, "NTC")}, {3, !oneOf(diag, "NU")}, {4, n < 0},
+                             {5, nrhs < 0}, {7, lda < atLeastOne(n)}, {9, ldb < atLeastOne(n)}});
+    }
+    int numericalCheck() const { return upper(diag) == 'N' ? firstZeroOnDiagonal(a, n, lda) : 0; }
+    bool nothingToDo() const { return n == 0 || nrhs == 0; }
+    auto operands() const { return std::array{in(a, n, n, lda), inOut(b, n, nrhs, ldb)}; }
+    int compute(const Gpu& g) const {
+        const auto one = scalar(unit<T>());
+        return g.blas(Library<T>::trsm(g.context.blas, CUBLAS_SIDE_LEFT, fill(uplo), operation<T>(trans), diagOf(diag), n,
+                                       nrhs, &one, g.at<T>(0), g.ld(0), g.at<T>(1), g.ld(1)), "trsm");
+    }
+};
+
+// ---- LU routines: statuses 7 and 8 with info as LAPACK gives it.
 
 template <class T> int getrfScratch(ThreadContext& c, int m, int n, const char* routine, std::size_t& bytes) {
     int lwork = 0;
@@ -240,11 +378,7 @@ template <class T> struct Getri {
     using Type = T; static constexpr const char* root = "getri";
     int n; T* a; int lda; const int* ipiv;
     int illegalArgument() const { return firstIllegal({{1, n < 0}, {3, lda < atLeastOne(n)}}); }
-    int numericalCheck() const {
-        for (int i = 0; i < n; ++i)
-            if (isZero(a[i + std::size_t(i) * lda])) return i + 1;
-        return 0;
-    }
+    int numericalCheck() const { return firstZeroOnDiagonal(a, n, lda); }
     bool nothingToDo() const { return n == 0; }
     auto operands() const { return std::array{inOut(a, n, n, lda), in(ipiv, n, 1, n)}; }
     int scratchBytes(ThreadContext&, std::size_t& bytes) const {
@@ -254,8 +388,7 @@ template <class T> struct Getri {
     int compute(const Gpu& g) const {
         auto* identity = reinterpret_cast<typename Library<T>::Device*>(g.scratch);
         const std::size_t bytes = std::size_t(n) * n * sizeof(T);
-        T one{};
-        if constexpr (isComplex<T>) one.re = 1; else one = 1;
+        const T one = unit<T>();
         if (cudaError_t e = cudaMemsetAsync(identity, 0, bytes, g.context.stream)) return cudaFailure(e, g.routine, "cudaMemsetAsync");
         if (int status = setDiagonal(g.context, identity, n, &one, sizeof(T), g.routine)) return status;
         if (int status = g.solver(Library<T>::getrs(g.context.solver, CUBLAS_OP_N, n, n, g.at<T>(0), g.ld(0),
@@ -361,6 +494,247 @@ template <class T> struct MixedGesv {
     }
 };
 
+// ---- Orthogonal factorisations and factors: LAPACK's Householder
+// representation, which cuSOLVER's routines share. No info > 0 except in gels.
+// Neither work nor lwork reaches the GPU library: cuSOLVER's workspace is GPU
+// scratch.
+
+// geqrf.
+template <class T> struct Geqrf {
+    using Type = T; static constexpr const char* root = "geqrf";
+    int m, n; T* a; int lda; T* tau;
+    int illegalArgument() const { return firstIllegal({{1, m < 0}, {2, n < 0}, {4, lda < atLeastOne(m)}}); }
+    bool nothingToDo() const { return m == 0 || n == 0; }
+    auto operands() const {
+        const int k = std::min(m, n);
+        return std::array{inOut(a, m, n, lda), out(tau, k, 1, k)};
+    }
+    int lwork(ThreadContext& c, int& elements) const {
+        cusolverStatus_t s = Library<T>::geqrfSize(c.solver, m, n, nullptr, atLeastOne(m), &elements);
+        return s ? solverFailure(s, root, "geqrf_bufferSize") : 0;
+    }
+    int scratchBytes(ThreadContext& c, std::size_t& bytes) const { return workspaceBytes(*this, c, bytes); }
+    int compute(const Gpu& g) const {
+        int elements = 0;
+        if (int status = lwork(g.context, elements)) return status;
+        return g.solver(Library<T>::geqrf(g.context.solver, m, n, g.at<T>(0), g.ld(0), g.at<T>(1), g.work<T>(),
+                                          elements, g.info), "geqrf");
+    }
+};
+
+// orgqr, ungqr.
+template <class T> struct Orgqr {
+    using Type = T; static constexpr const char* root = isComplex<T> ? "ungqr" : "orgqr";
+    int m, n, k; T* a; int lda; const T* tau;
+    int illegalArgument() const {
+        return firstIllegal({{1, m < 0}, {2, n < 0 || n > m}, {3, k < 0 || k > n}, {5, lda < atLeastOne(m)}});
+    }
+    bool nothingToDo() const { return n == 0; }
+    auto operands() const { return std::array{inOut(a, m, n, lda), in(tau, k, 1, k)}; }
+    int lwork(ThreadContext& c, int& elements) const {
+        cusolverStatus_t s = Library<T>::orgqrSize(c.solver, m, n, k, nullptr, atLeastOne(m), nullptr, &elements);
+        return s ? solverFailure(s, root, "orgqr_bufferSize") : 0;
+    }
+    int scratchBytes(ThreadContext& c, std::size_t& bytes) const { return workspaceBytes(*this, c, bytes); }
+    int compute(const Gpu& g) const {
+        int elements = 0;
+        if (int status = lwork(g.context, elements)) return status;
+        return g.solver(Library<T>::orgqr(g.context.solver, m, n, k, g.at<T>(0), g.ld(0), g.at<T>(1), g.work<T>(),
+                                          elements, g.info), root);
+    }
+};
+
+// ormqr, unmqr. The real routine takes trans 'T', the complex one 'C'.
+template <class T> int ormqrWork(ThreadContext& c, cublasSideMode_t side, cublasOperation_t trans, int m, int n, int k,
+                                 const char* routine, int& lwork) {
+    const int nq = side == CUBLAS_SIDE_LEFT ? m : n;
+    cusolverStatus_t s = Library<T>::ormqrSize(c.solver, side, trans, m, n, k, nullptr, atLeastOne(nq), nullptr,
+                                               nullptr, atLeastOne(m), &lwork);
+    return s ? solverFailure(s, routine, "ormqr_bufferSize") : 0;
+}
+template <class T> struct Ormqr {
+    using Type = T; static constexpr const char* root = isComplex<T> ? "unmqr" : "ormqr";
+    char side, trans; int m, n, k; const T* a; int lda; const T* tau; T* c; int ldc;
+    int order() const { return upper(side) == 'L' ? m : n; }
+    int illegalArgument() const {
+        return firstIllegal({{1, !oneOf(side, "LR")}, {2, !oneOf(trans, isComplex<T> ? "NC" : "NT")}, {3, m < 0},
+                             {4, n < 0}, {5, k < 0 || k > order()}, {7, lda < atLeastOne(order())},
+                             {10, ldc < atLeastOne(m)}});
+    }
+    bool nothingToDo() const { return m == 0 || n == 0 || k == 0; }
+    auto operands() const { return std::array{in(a, order(), k, lda), in(tau, k, 1, k), inOut(c, m, n, ldc)}; }
+    int lwork(ThreadContext& context, int& elements) const {
+        return ormqrWork<T>(context, sideOf(side), operation<T>(trans), m, n, k, root, elements);
+    }
+    int scratchBytes(ThreadContext& context, std::size_t& bytes) const { return workspaceBytes(*this, context, bytes); }
+    int compute(const Gpu& g) const {
+        int elements = 0;
+        if (int status = lwork(g.context, elements)) return status;
+        return g.solver(Library<T>::ormqr(g.context.solver, sideOf(side), operation<T>(trans), m, n, k, g.at<T>(0),
+                                          g.ld(0), g.at<T>(1), g.at<T>(2), g.ld(2), g.work<T>(), elements, g.info),
+                        root);
+    }
+};
+
+// orgbr, ungbr: Q (vect 'Q', cuSOLVER's left side) or P^H ('P', the right side)
+// of gebrd. tau holds min(m, k) reflectors for Q and min(n, k) for P^H.
+template <class T> struct Orgbr {
+    using Type = T; static constexpr const char* root = isComplex<T> ? "ungbr" : "orgbr";
+    char vect; int m, n, k; T* a; int lda; const T* tau;
+    bool wantQ() const { return upper(vect) == 'Q'; }
+    int illegalArgument() const {
+        const bool badN = n < 0 || (wantQ() && (n > m || n < std::min(m, k))) ||
+                          (!wantQ() && (m > n || m < std::min(n, k)));
+        return firstIllegal({{1, !oneOf(vect, "QP")}, {2, m < 0}, {3, badN}, {4, k < 0}, {6, lda < atLeastOne(m)}});
+    }
+    bool nothingToDo() const { return m == 0 || n == 0; }
+    auto operands() const {
+        const int reflectors = std::min(wantQ() ? m : n, k);
+        return std::array{inOut(a, m, n, lda), in(tau, reflectors, 1, reflectors)};
+    }
+    cublasSideMode_t side() const { return wantQ() ? CUBLAS_SIDE_LEFT : CUBLAS_SIDE_RIGHT; }
+    int lwork(ThreadContext& c, int& elements) const {
+        cusolverStatus_t s = Library<T>::orgbrSize(c.solver, side(), m, n, k, nullptr, atLeastOne(m), nullptr, &elements);
+        return s ? solverFailure(s, root, "orgbr_bufferSize") : 0;
+    }
+    int scratchBytes(ThreadContext& c, std::size_t& bytes) const { return workspaceBytes(*this, c, bytes); }
+    int compute(const Gpu& g) const {
+        int elements = 0;
+        if (int status = lwork(g.context, elements)) return status;
+        return g.solver(Library<T>::orgbr(g.context.solver, side(), m, n, k, g.at<T>(0), g.ld(0), g.at<T>(1),
+                                          g.work<T>(), elements, g.info), root);
+    }
+};
+
+// LAPACK's largest absolute value of a matrix (xlange 'M'): a NaN anywhere
+// gives NaN, as there.
+template <class T> typename Library<T>::Real largestMagnitude(const T* a, int rows, int cols, int ld) {
+    using Real = typename Library<T>::Real;
+    Real largest = 0;
+    for (int j = 0; j < cols; ++j)
+        for (int i = 0; i < rows; ++i) {
+            const T& x = a[i + std::size_t(j) * ld];
+            Real v;
+            if constexpr (isComplex<T>) v = std::hypot(x.re, x.im); else v = std::abs(x);
+            if (v > largest || v != v) largest = v;
+            if (largest != largest) return largest;
+        }
+    return largest;
+}
+
+// gels with m >= n, through the QR factorisation as LAPACK computes it:
+// trans 'N', the least squares solution: geqrf, b := Q^H b, then R x = b(1:n);
+// trans 'T' ('C' in complex), the minimum norm solution of A^H x = b: geqrf,
+// R^H y = b(1:n), b(n+1:m) := 0, x = Q y. An exactly zero diagonal element of
+// R (looked for after geqrf and, for 'N', the product with Q^H, as LAPACK's
+// trtrs does) gives info = i with a factored, and b as it then is: Q^H b for
+// 'N', untouched for 'T'. An empty A gives a zero solution. The CPU library
+// takes m < n (an LQ factorisation, which cuSOLVER lacks), and the matrices
+// that LAPACK scales first (largest element of A or b outside [smlnum, bignum],
+// or A zero).
+template <class T> struct Gels {
+    using Type = T; static constexpr const char* root = "gels";
+    using Real = typename Library<T>::Real;
+    char trans; int m, n, nrhs; T* a; int lda; T* b; int ldb;
+    bool notrans() const { return upper(trans) == 'N'; }
+    bool empty() const { return m == 0 || n == 0; }
+    int illegalArgument() const {
+        return firstIllegal({{1, !oneOf(trans, isComplex<T> ? "NC" : "NT")}, {2, m < 0}, {3, n < 0}, {4, nrhs < 0},
+                             {6, lda < atLeastOne(m)}, {8, ldb < atLeastOne(std::max(m, n))}});
+    }
+    bool nothingToDo() const { return nrhs == 0; }
+    const char* unsupported() const {
+        if (empty()) return nullptr;
+        if (m < n) return "m < n";
+        const Real smlnum = std::numeric_limits<Real>::min() / std::numeric_limits<Real>::epsilon();
+        const Real bignum = 1 / smlnum;
+        const Real anrm = largestMagnitude(a, m, n, lda), bnrm = largestMagnitude(b, notrans() ? m : n, nrhs, ldb);
+        if (anrm == 0) return "A is zero";
+        if ((anrm > 0 && anrm < smlnum) || anrm > bignum || (bnrm > 0 && bnrm < smlnum) || bnrm > bignum)
+            return "A or B needs scaling";
+        return nullptr;
+    }
+    auto operands() const {
+        const int rows = std::max(m, n);
+        return std::array{inOut(a, m, n, lda, true), empty() ? out(b, rows, nrhs, ldb) : inOut(b, rows, nrhs, ldb, notrans())};
+    }
+    cublasOperation_t conjugateTranspose() const { return operation<T>('C'); }
+    std::size_t tauBytes() const { return aligned(std::size_t(n) * sizeof(T)); }
+    int lwork(ThreadContext& c, int& elements) const {
+        elements = 0;
+        if (empty()) return 0;
+        int factor = 0, apply = 0;
+        if (cusolverStatus_t s = Library<T>::geqrfSize(c.solver, m, n, nullptr, atLeastOne(m), &factor))
+            return solverFailure(s, root, "geqrf_bufferSize");
+        const int status = ormqrWork<T>(c, CUBLAS_SIDE_LEFT, notrans() ? conjugateTranspose() : CUBLAS_OP_N, m, nrhs, n,
+                                        root, apply);
+        elements = std::max(factor, apply);
+        return status;
+    }
+    int scratchBytes(ThreadContext& c, std::size_t& bytes) const {
+        const int status = workspaceBytes(*this, c, bytes);
+        bytes += tauBytes();
+        return status;
+    }
+    int hostScratchBytes(ThreadContext&, std::size_t& bytes) const {
+        bytes = std::size_t(n) * sizeof(T) + sizeof(int);
+        return 0;
+    }
+    // LAPACK's info: the first exactly zero diagonal element of R, read back
+    // from the GPU once the work so far has finished, and written to the info word.
+    int singularR(const Gpu& g, int& info) const {
+        T* diagonal = reinterpret_cast<T*>(g.hostScratch);
+        const std::size_t pitch = std::size_t(g.ld(0) + 1) * sizeof(T);
+        cudaError_t e = cudaMemcpy2DAsync(diagonal, sizeof(T), g.at<T>(0), pitch, sizeof(T), n, cudaMemcpyDeviceToHost,
+                                          g.context.stream);
+        if (e) return cudaFailure(e, g.routine, "cudaMemcpy2DAsync of R's diagonal");
+        if ((e = cudaStreamSynchronize(g.context.stream))) return cudaFailure(e, g.routine, "cudaStreamSynchronize");
+        info = firstZeroOnDiagonal(diagonal, n, 0);  // a leading dimension of 0: the diagonal alone
+        if (info == 0) return 0;
+        int* word = reinterpret_cast<int*>(g.hostScratch + std::size_t(n) * sizeof(T));
+        *word = info;
+        e = cudaMemcpyAsync(g.info, word, sizeof(int), cudaMemcpyHostToDevice, g.context.stream);
+        return e ? cudaFailure(e, g.routine, "cudaMemcpyAsync of info") : 0;
+    }
+    int compute(const Gpu& g) const {
+        auto* x = g.at<T>(1);
+        const int ldx = g.ld(1);
+        if (empty()) {
+            cudaError_t e = cudaMemsetAsync(x, 0, g.operands[1].bytes(), g.context.stream);
+            return e ? cudaFailure(e, g.routine, "cudaMemsetAsync") : 0;
+        }
+        int elements = 0, info = 0;
+        if (int status = lwork(g.context, elements)) return status;
+        auto* tau = g.work<T>();
+        auto* work = g.work<T>(tauBytes());
+        auto* qr = g.at<T>(0);
+        const int ld = g.ld(0);
+        const auto one = scalar(unit<T>());
+        if (int status = g.solver(Library<T>::geqrf(g.context.solver, m, n, qr, ld, tau, work, elements, g.ignoredInfo),
+                                  "geqrf"))
+            return status;
+        if (notrans()) {
+            if (int status = g.solver(Library<T>::ormqr(g.context.solver, CUBLAS_SIDE_LEFT, conjugateTranspose(), m, nrhs,
+                                                        n, qr, ld, tau, x, ldx, work, elements, g.ignoredInfo), "ormqr"))
+                return status;
+            if (int status = singularR(g, info); status || info) return status;
+            return g.blas(Library<T>::trsm(g.context.blas, CUBLAS_SIDE_LEFT, CUBLAS_FILL_MODE_UPPER, CUBLAS_OP_N,
+                                           CUBLAS_DIAG_NON_UNIT, n, nrhs, &one, qr, ld, x, ldx), "trsm");
+        }
+        if (int status = singularR(g, info); status || info) return status;
+        if (int status = g.blas(Library<T>::trsm(g.context.blas, CUBLAS_SIDE_LEFT, CUBLAS_FILL_MODE_UPPER,
+                                                 conjugateTranspose(), CUBLAS_DIAG_NON_UNIT, n, nrhs, &one, qr, ld, x, ldx),
+                                "trsm"))
+            return status;
+        if (m > n)
+            if (cudaError_t e = cudaMemset2DAsync(x + n, std::size_t(ldx) * sizeof(T), 0, std::size_t(m - n) * sizeof(T), nrhs,
+                                                  g.context.stream))
+                return cudaFailure(e, g.routine, "cudaMemset2DAsync");
+        return g.solver(Library<T>::ormqr(g.context.solver, CUBLAS_SIDE_LEFT, CUBLAS_OP_N, m, nrhs, n, qr, ld, tau, x,
+                                          ldx, work, elements, g.ignoredInfo), "ormqr");
+    }
+};
+
 // A routine that cuSOLVER and cuBLAS cannot compute as LAPACK defines it: the
 // "not available" status, and the link library runs it on the CPU library. The
 // org and orm roots are named ung and unm in complex precisions.
@@ -376,41 +750,42 @@ template <class T, const char* Real, const char* Complex> struct LeftToCpu {
 #define VORN_CUDA_LEFT_TO_CPU(real, complex)                                                   \
     constexpr char real##Name[] = #real, real##ComplexName[] = #complex;                       \
     template <class T> using real##Row = LeftToCpu<T, real##Name, real##ComplexName>;
-VORN_CUDA_LEFT_TO_CPU(potrs, potrs) VORN_CUDA_LEFT_TO_CPU(potri, potri) VORN_CUDA_LEFT_TO_CPU(posv, posv)
-VORN_CUDA_LEFT_TO_CPU(pbtrf, pbtrf) VORN_CUDA_LEFT_TO_CPU(trtri, trtri) VORN_CUDA_LEFT_TO_CPU(trtrs, trtrs)
-VORN_CUDA_LEFT_TO_CPU(geqrf, geqrf) VORN_CUDA_LEFT_TO_CPU(geqlf, geqlf) VORN_CUDA_LEFT_TO_CPU(gerqf, gerqf)
-VORN_CUDA_LEFT_TO_CPU(gelqf, gelqf) VORN_CUDA_LEFT_TO_CPU(geqrfp, geqrfp) VORN_CUDA_LEFT_TO_CPU(gels, gels)
-VORN_CUDA_LEFT_TO_CPU(gglse, gglse) VORN_CUDA_LEFT_TO_CPU(ggrqf, ggrqf) VORN_CUDA_LEFT_TO_CPU(orgbr, ungbr)
-VORN_CUDA_LEFT_TO_CPU(orghr, unghr) VORN_CUDA_LEFT_TO_CPU(orglq, unglq) VORN_CUDA_LEFT_TO_CPU(orgql, ungql)
-VORN_CUDA_LEFT_TO_CPU(orgqr, ungqr) VORN_CUDA_LEFT_TO_CPU(orgrq, ungrq) VORN_CUDA_LEFT_TO_CPU(ormlq, unmlq)
-VORN_CUDA_LEFT_TO_CPU(ormql, unmql) VORN_CUDA_LEFT_TO_CPU(ormqr, unmqr) VORN_CUDA_LEFT_TO_CPU(ormrq, unmrq)
+// The banded Cholesky factorisation; the QL, RQ and LQ factorisations, the QR
+// factorisation with a non-negative diagonal, and the generation and products of
+// their factors; the generalised factorisations and least squares; the factor of
+// a Hessenberg reduction.
+VORN_CUDA_LEFT_TO_CPU(pbtrf, pbtrf) VORN_CUDA_LEFT_TO_CPU(geqlf, geqlf) VORN_CUDA_LEFT_TO_CPU(gerqf, gerqf)
+VORN_CUDA_LEFT_TO_CPU(gelqf, gelqf) VORN_CUDA_LEFT_TO_CPU(geqrfp, geqrfp) VORN_CUDA_LEFT_TO_CPU(gglse, gglse)
+VORN_CUDA_LEFT_TO_CPU(ggrqf, ggrqf) VORN_CUDA_LEFT_TO_CPU(orghr, unghr) VORN_CUDA_LEFT_TO_CPU(orglq, unglq)
+VORN_CUDA_LEFT_TO_CPU(orgql, ungql) VORN_CUDA_LEFT_TO_CPU(orgrq, ungrq) VORN_CUDA_LEFT_TO_CPU(ormlq, unmlq)
+VORN_CUDA_LEFT_TO_CPU(ormql, unmql) VORN_CUDA_LEFT_TO_CPU(ormrq, unmrq)
 
 // The row each root of the GPU function list runs, over the element type.
 namespace rowOf {
 template <class T> using potrf = Potrf<T>;
-template <class T> using potrs = potrsRow<T>;
-template <class T> using potri = potriRow<T>;
-template <class T> using posv = posvRow<T>;
+template <class T> using potrs = Potrs<T>;
+template <class T> using potri = Potri<T>;
+template <class T> using posv = Posv<T>;
 template <class T> using pbtrf = pbtrfRow<T>;
-template <class T> using trtri = trtriRow<T>;
-template <class T> using trtrs = trtrsRow<T>;
-template <class T> using geqrf = geqrfRow<T>;
+template <class T> using trtri = Trtri<T>;
+template <class T> using trtrs = Trtrs<T>;
+template <class T> using geqrf = Geqrf<T>;
 template <class T> using geqlf = geqlfRow<T>;
 template <class T> using gerqf = gerqfRow<T>;
 template <class T> using gelqf = gelqfRow<T>;
 template <class T> using geqrfp = geqrfpRow<T>;
-template <class T> using gels = gelsRow<T>;
+template <class T> using gels = Gels<T>;
 template <class T> using gglse = gglseRow<T>;
 template <class T> using ggrqf = ggrqfRow<T>;
-template <class T> using orgbr = orgbrRow<T>;
+template <class T> using orgbr = Orgbr<T>;
 template <class T> using orghr = orghrRow<T>;
 template <class T> using orglq = orglqRow<T>;
 template <class T> using orgql = orgqlRow<T>;
-template <class T> using orgqr = orgqrRow<T>;
+template <class T> using orgqr = Orgqr<T>;
 template <class T> using orgrq = orgrqRow<T>;
 template <class T> using ormlq = ormlqRow<T>;
 template <class T> using ormql = ormqlRow<T>;
-template <class T> using ormqr = ormqrRow<T>;
+template <class T> using ormqr = Ormqr<T>;
 template <class T> using ormrq = ormrqRow<T>;
 template <class T> using getrf = Getrf<T>;
 template <class T> using getrs = Getrs<T>;

@@ -33,6 +33,11 @@ void dgemm_(const char*, const char*, I, I, I, const double*, const double*, I, 
             double*, I, std::size_t, std::size_t);
 void dgetrf_(I, I, double*, I, int*, int*);
 void zgetrf_(I, I, Z*, I, int*, int*);
+void dposv_(const char*, I, I, double*, I, double*, I, int*, std::size_t);
+void dgeqrf_(I, I, double*, I, double*, double*, I, int*);
+void dormqr_(const char*, const char*, I, I, I, const double*, I, const double*, double*, I, double*, I, int*,
+             std::size_t, std::size_t);
+void zgels_(const char*, I, I, I, Z*, I, Z*, I, Z*, I, int*, std::size_t);
 }
 
 namespace {
@@ -140,11 +145,27 @@ TEST_P(CudaTransferModes, LargeProblemsMatchOpenBlasWithinErrorBounds) {
     ASSERT_EQ(vornZgetrf(n, cols, gpu(z.data()), ld, ipiv.data()), 0);
     EXPECT_EQ(ipiv, expectedIpiv);
     expectClose(z, zExpected, n);
+
+    // geqrf's factors and tau; then Q^T C with OpenBLAS's factors, so that only the product differs.
+    auto qr = matrix<double>(n, cols, ld, 11), qrExpected = qr;
+    std::vector<double> tau(cols), tauExpected(cols), work(64 * n);
+    const int lwork = int(work.size());
+    dgeqrf_(&n, &cols, qrExpected.data(), &ld, tauExpected.data(), work.data(), &lwork, &info);
+    ASSERT_EQ(vornDgeqrf(n, cols, qr.data(), ld, tau.data()), 0);
+    expectClose(qr, qrExpected, n);
+    expectClose(tau, tauExpected, n);
+    c = matrix<double>(n, k, ld, 12), expected = c;
+    dormqr_("L", "T", &n, &k, &cols, qrExpected.data(), &ld, tauExpected.data(), expected.data(), &ld, work.data(),
+            &lwork, &info, 1, 1);
+    ASSERT_EQ(vornDormqr('L', 'T', n, k, cols, qrExpected.data(), ld, tauExpected.data(), c.data(), ld), 0);
+    expectClose(c, expected, n);
 }
 
 // info > 0: status 7, info as LAPACK gives it, and the arrays as LAPACK leaves
-// them: getrf's factors and pivots; gesv's factors with b untouched; getri's a
-// untouched.
+// them: getrf's factors and pivots; gesv's and posv's factors with b untouched;
+// getri's, potri's and trtri's a untouched; trtrs's b untouched, even with no
+// right-hand side; gels's QR factors with Q^T b ('N') or b untouched ('C'). And
+// gels's quick return that writes: an empty A gives a zero solution.
 TEST(CudaLibrary, SingularMatricesGiveStatusSevenWithInfo) {
     REQUIRE_GPU();
     const int n = 6;
@@ -173,6 +194,43 @@ TEST(CudaLibrary, SingularMatricesGiveStatusSevenWithInfo) {
     EXPECT_EQ(vornSgetri(n, s.data(), n, ipiv.data()), VORN_STATUS_INFO_NUMERICAL);
     EXPECT_EQ(vornGetErrorInfo(), 3);
     EXPECT_EQ(s, sBefore);
+    EXPECT_EQ(vornSpotri('U', n, s.data(), n), VORN_STATUS_INFO_NUMERICAL);
+    EXPECT_EQ(vornGetErrorInfo(), 3);
+    EXPECT_EQ(vornStrtri('L', 'N', n, s.data(), n), VORN_STATUS_INFO_NUMERICAL);
+    EXPECT_EQ(vornGetErrorInfo(), 3);
+    EXPECT_EQ(vornStrtrs('U', 'T', 'N', n, 0, s.data(), n, s.data(), n), VORN_STATUS_INFO_NUMERICAL);
+    EXPECT_EQ(vornGetErrorInfo(), 3);
+    EXPECT_EQ(s, sBefore);
+
+    const int rhs = 2;
+    auto p = matrix<double>(n, n, n, 25), pExpected = p, pb = matrix<double>(n, rhs, n, 26), pbExpected = pb;
+    p[3 + 3 * n] = pExpected[3 + 3 * n] = -40;
+    dposv_("L", &n, &rhs, pExpected.data(), &n, pbExpected.data(), &n, &info, 1);
+    ASSERT_GT(info, 0);
+    EXPECT_EQ(vornDposv('L', n, rhs, p.data(), n, pb.data(), n), VORN_STATUS_INFO_NUMERICAL);
+    EXPECT_EQ(vornGetErrorInfo(), info);
+    EXPECT_EQ(pb, pbExpected);
+    expectClose(p, pExpected, n);
+
+    // Column 2 of A is zero, so R(2,2) is exactly zero.
+    const int m = 9, cols = 4;
+    std::vector<Z> work(64 * m);
+    const int lwork = int(work.size());
+    for (const char trans : {'N', 'C'}) {
+        auto g = matrix<Z>(m, cols, m, 27), gb = matrix<Z>(m, rhs, m, 28);
+        std::fill_n(g.begin() + m, m, 0.0);
+        auto gExpected = g, gbExpected = gb;
+        zgels_(&trans, &m, &cols, &rhs, gExpected.data(), &m, gbExpected.data(), &m, work.data(), &lwork, &info, 1);
+        ASSERT_EQ(info, 2) << trans;
+        EXPECT_EQ(vornZgels(trans, m, cols, rhs, gpu(g.data()), m, gpu(gb.data()), m), VORN_STATUS_INFO_NUMERICAL);
+        EXPECT_EQ(vornGetErrorInfo(), 2) << trans;
+        expectClose(g, gExpected, m);
+        expectClose(gb, gbExpected, m);
+    }
+    auto empty = matrix<Z>(2, rhs, m, 29);
+    EXPECT_EQ(vornZgels('N', 0, cols, rhs, gpu(empty.data()), 1, gpu(empty.data()), m), 0);
+    for (int j = 0; j < rhs; ++j)
+        for (int i = 0; i < m; ++i) EXPECT_EQ(empty[i + j * m], i < cols ? Z(0) : Z(-7)) << i << "," << j;
 }
 
 // When refinement in the lower precision gives up, dsgesv leaves a as LAPACK
@@ -194,8 +252,9 @@ TEST(CudaLibrary, MixedPrecisionFallbackLeavesTheFactors) {
 }
 
 // info < 0: status 8 with info -i for the first illegal argument in LAPACK's
-// order of checks, and nothing touched.
-TEST(CudaLibrary, IllegalArgumentsGiveStatusEightWithTheirPosition) {
+// order of checks, and nothing touched. Info 0: LAPACK's quick return, status 0,
+// and nothing touched either.
+TEST(CudaLibrary, IllegalArgumentsGiveStatusEightWithTheirPositionAndQuickReturnsTouchNothing) {
     REQUIRE_GPU();
     struct Case { const char* what; std::function<int(double*, int*)> call; int info; };
     const Case cases[] = {
@@ -211,11 +270,33 @@ TEST(CudaLibrary, IllegalArgumentsGiveStatusEightWithTheirPosition) {
         {"dsyrk ldc", [](double* p, int*) { return vornDsyrk('L', 'C', 4, 2, 1, p, 2, 0, p, 3); }, -10},
         {"dtrsm diag", [](double* p, int*) { return vornDtrsm('L', 'U', 'N', 'X', 4, 4, 1, p, 4, p, 4); }, -4},
         {"dsymv incy", [](double* p, int*) { return vornDsymv('U', 4, 1, p, 4, p, 1, 1, p, 0); }, -10},
+        {"dpotrs ldb", [](double* p, int*) { return vornDpotrs('U', 4, 1, p, 4, p, 3); }, -7},
+        {"dposv uplo", [](double* p, int*) { return vornDposv('X', -1, 1, p, 4, p, 4); }, -1},
+        {"dpotri lda", [](double* p, int*) { return vornDpotri('L', 4, p, 3); }, -4},
+        {"dtrtri diag", [](double* p, int*) { return vornDtrtri('U', 'X', 4, p, 4); }, -2},
+        {"dtrtrs nrhs", [](double* p, int*) { return vornDtrtrs('U', 'C', 'N', 4, -1, p, 4, p, 4); }, -5},
+        {"dgeqrf lda", [](double* p, int*) { return vornDgeqrf(5, 4, p, 4, p); }, -4},
+        {"dorgqr n > m", [](double* p, int*) { return vornDorgqr(3, 4, 2, p, 4, p); }, -2},
+        {"dorgqr k > n", [](double* p, int*) { return vornDorgqr(4, 3, 4, p, 4, p); }, -3},
+        {"dormqr trans C", [](double* p, int*) { return vornDormqr('L', 'C', 4, 4, 2, p, 4, p, p, 4); }, -2},
+        {"zunmqr trans T", [](double* p, int*) { auto* z = reinterpret_cast<vornDoubleComplex*>(p);
+                                                 return vornZunmqr('R', 'T', 4, 4, 2, z, 4, z, z, 4); }, -2},
+        {"dormqr lda, right", [](double* p, int*) { return vornDormqr('R', 'N', 5, 4, 2, p, 3, p, p, 5); }, -7},
+        {"dorgbr m > n for P", [](double* p, int*) { return vornDorgbr('P', 4, 3, 2, p, 4, p); }, -3},
+        {"dgels trans C", [](double* p, int*) { return vornDgels('C', 4, 3, 1, p, 4, p, 4); }, -1},
+        {"dgels ldb < n", [](double* p, int*) { return vornDgels('N', 3, 4, 1, p, 3, p, 3); }, -8},
+        {"dpotrs nrhs = 0", [](double* p, int*) { return vornDpotrs('U', 4, 0, p, 4, p, 4); }, 0},
+        {"dtrtrs nrhs = 0", [](double* p, int*) { return vornDtrtrs('L', 'N', 'N', 4, 0, p, 4, p, 4); }, 0},
+        {"dgeqrf m = 0", [](double* p, int*) { return vornDgeqrf(0, 4, p, 1, p); }, 0},
+        {"dorgqr n = 0", [](double* p, int*) { return vornDorgqr(4, 0, 0, p, 4, p); }, 0},
+        {"dormqr k = 0", [](double* p, int*) { return vornDormqr('L', 'T', 4, 4, 0, p, 4, p, p, 4); }, 0},
+        {"dorgbr n = 0", [](double* p, int*) { return vornDorgbr('P', 0, 0, 3, p, 1, p); }, 0},
+        {"dgels nrhs = 0", [](double* p, int*) { return vornDgels('N', 4, 3, 0, p, 4, p, 4); }, 0},
     };
     for (const Case& c : cases) {
         std::vector<double> arrays(256, 0.25);
         std::vector<int> pivots(16, 1);
-        EXPECT_EQ(c.call(arrays.data(), pivots.data()), VORN_STATUS_INFO_ARGUMENT) << c.what;
+        EXPECT_EQ(c.call(arrays.data(), pivots.data()), c.info < 0 ? VORN_STATUS_INFO_ARGUMENT : 0) << c.what;
         EXPECT_EQ(vornGetErrorInfo(), c.info) << c.what;
         EXPECT_EQ(arrays, std::vector<double>(256, 0.25)) << c.what;
     }
@@ -286,6 +367,7 @@ const Case cases[] = {
     {"zgesv", [](double* a, int* p) { return vornZgesv(n / 2, 3, complex(a), n / 2, p, complex(a) + n * n, n / 2); }},
     {"dsgesv",
      [](double* a, int* p) { return vornDsgesv(n, 2, a, n, p, a + n * n, n, a + 2 * n * n, n, a + 3 * n * n); }},
+    {"dgels", [](double* a, int*) { return vornDgels('N', n, n / 2, 2, a, n, a + n * n, n); }},
 };
 
 // The nth call of a kind fails: a failure status with the arrays as they were;

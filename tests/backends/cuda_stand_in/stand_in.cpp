@@ -20,6 +20,7 @@
 #include <map>
 #include <mutex>
 #include <set>
+#include <tuple>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -209,6 +210,27 @@ int luWork(int m, int n) { return m + n + 1; }
 template <class T, class Low> size_t mixedBytes(int n, int nrhs) {
     return size_t(n) * nrhs * sizeof(T) + size_t(n) * (n + nrhs) * sizeof(Low) + size_t(n) * sizeof(double);
 }
+// The workspace that OpenBLAS's routine asks for in its query (lwork = -1), in
+// elements: the stand-in's routine of the same name is given that much and
+// computes as OpenBLAS does with it. The arguments before work and after info.
+int elements(float w) { return int(w); }
+int elements(double w) { return int(w); }
+int elements(C w) { return int(w.x); }
+int elements(Z w) { return int(w.x); }
+template <class T, class... Before, class... After>
+int queried(const char* name, std::tuple<Before...> before, std::tuple<After...> after) {
+    T size{};
+    int query = -1, info = 0;
+    std::apply([&](auto... b) { std::apply([&](auto... a) { openBlas(name, b..., &size, &query, &info, a...); }, after); },
+               before);
+    return std::max(1, elements(size));
+}
+
+// The size of an element of cuSOLVER's generic interface; 0 for a type the stand-in lacks.
+size_t trtriElement(cudaDataType type) {
+    return type == CUDA_R_32F ? 4 : type == CUDA_R_64F || type == CUDA_C_32F ? 8 : type == CUDA_C_64F ? 16 : 0;
+}
+
 // a after a mixed-precision solve that fell back: cuSOLVER promises nothing.
 template <class T> void scribble(T* a, int n, int lda) {
     for (int j = 0; j < n; ++j)
@@ -319,6 +341,103 @@ template <class T> void scribble(T* a, int n, int lda) {
         return launch(h, "cusolverDn" #P "potrf", {{"A", A, n, n, lda}, words("workspace", work, lwork), \
                       words("info", info, 1)}, \
                       [=, uplo = fill(u)] { openBlas(#p "potrf_", &uplo, &n, A, &lda, info, oneChar); }); \
+    }
+
+// potrs and potri; potri's workspace is something, so that the library must place it.
+#define STAND_IN_CHOLESKY(p, P, T) \
+    cusolverStatus_t cusolverDn##P##potrs(cusolverDnHandle_t h, cublasFillMode_t u, int n, int nrhs, const T* A, \
+                                         int lda, T* B, int ldb, int* info) { \
+        return launch(h, "cusolverDn" #P "potrs", {{"A", A, n, n, lda}, {"B", B, n, nrhs, ldb}, \
+                      words("info", info, 1)}, [=, uplo = fill(u)] { \
+            openBlas(#p "potrs_", &uplo, &n, &nrhs, A, &lda, B, &ldb, info, oneChar); \
+        }); \
+    } \
+    cusolverStatus_t cusolverDn##P##potri_bufferSize(cusolverDnHandle_t h, cublasFillMode_t, int n, T*, int, \
+                                                     int* lwork) { \
+        if (h == nullptr) return CUSOLVER_STATUS_NOT_INITIALIZED; \
+        *lwork = n + 1; \
+        return CUSOLVER_STATUS_SUCCESS; \
+    } \
+    cusolverStatus_t cusolverDn##P##potri(cusolverDnHandle_t h, cublasFillMode_t u, int n, T* A, int lda, T* work, \
+                                         int lwork, int* info) { \
+        if (lwork < n + 1) return CUSOLVER_STATUS_INVALID_VALUE; \
+        return launch(h, "cusolverDn" #P "potri", {{"A", A, n, n, lda}, words("workspace", work, lwork), \
+                      words("info", info, 1)}, \
+                      [=, uplo = fill(u)] { openBlas(#p "potri_", &uplo, &n, A, &lda, info, oneChar); }); \
+    }
+
+// geqrf, orgqr (ungqr), ormqr (unmqr) and orgbr (ungbr), each with the
+// workspace of OpenBLAS's query, which it checks it is given.
+#define STAND_IN_QR(p, P, T, org, orm) \
+    cusolverStatus_t cusolverDn##P##geqrf_bufferSize(cusolverDnHandle_t h, int m, int n, T*, int lda, int* lwork) { \
+        if (h == nullptr) return CUSOLVER_STATUS_NOT_INITIALIZED; \
+        *lwork = queried<T>(#p "geqrf_", std::tuple{&m, &n, (T*)nullptr, &lda, (T*)nullptr}, std::tuple{}); \
+        return CUSOLVER_STATUS_SUCCESS; \
+    } \
+    cusolverStatus_t cusolverDn##P##geqrf(cusolverDnHandle_t h, int m, int n, T* A, int lda, T* tau, T* work, \
+                                         int lwork, int* info) { \
+        int needed = 0; \
+        cusolverDn##P##geqrf_bufferSize(h, m, n, A, lda, &needed); \
+        if (lwork < needed) return CUSOLVER_STATUS_INVALID_VALUE; \
+        return launch(h, "cusolverDn" #P "geqrf", {{"A", A, m, n, lda}, words("tau", tau, std::min(m, n)), \
+                      words("workspace", work, lwork), words("info", info, 1)}, \
+                      [=] { openBlas(#p "geqrf_", &m, &n, A, &lda, tau, work, &lwork, info); }); \
+    } \
+    cusolverStatus_t cusolverDn##P##org##qr_bufferSize(cusolverDnHandle_t h, int m, int n, int k, const T*, int lda, \
+                                                      const T*, int* lwork) { \
+        if (h == nullptr) return CUSOLVER_STATUS_NOT_INITIALIZED; \
+        *lwork = queried<T>(#p #org "qr_", std::tuple{&m, &n, &k, (T*)nullptr, &lda, (T*)nullptr}, std::tuple{}); \
+        return CUSOLVER_STATUS_SUCCESS; \
+    } \
+    cusolverStatus_t cusolverDn##P##org##qr(cusolverDnHandle_t h, int m, int n, int k, T* A, int lda, const T* tau, \
+                                           T* work, int lwork, int* info) { \
+        int needed = 0; \
+        cusolverDn##P##org##qr_bufferSize(h, m, n, k, A, lda, tau, &needed); \
+        if (lwork < needed) return CUSOLVER_STATUS_INVALID_VALUE; \
+        return launch(h, "cusolverDn" #P #org "qr", {{"A", A, m, n, lda}, words("tau", tau, k), \
+                      words("workspace", work, lwork), words("info", info, 1)}, \
+                      [=] { openBlas(#p #org "qr_", &m, &n, &k, A, &lda, tau, work, &lwork, info); }); \
+    } \
+    cusolverStatus_t cusolverDn##P##orm##qr_bufferSize(cusolverDnHandle_t h, cublasSideMode_t s, cublasOperation_t t, \
+                                                      int m, int n, int k, const T*, int lda, const T*, const T*, \
+                                                      int ldc, int* lwork) { \
+        if (h == nullptr) return CUSOLVER_STATUS_NOT_INITIALIZED; \
+        const char a = side(s), b = op(t); \
+        *lwork = queried<T>(#p #orm "qr_", std::tuple{&a, &b, &m, &n, &k, (T*)nullptr, &lda, (T*)nullptr, (T*)nullptr, \
+                            &ldc}, std::tuple{oneChar, oneChar}); \
+        return CUSOLVER_STATUS_SUCCESS; \
+    } \
+    cusolverStatus_t cusolverDn##P##orm##qr(cusolverDnHandle_t h, cublasSideMode_t s, cublasOperation_t t, int m, \
+                                           int n, int k, const T* A, int lda, const T* tau, T* Cm, int ldc, T* work, \
+                                           int lwork, int* info) { \
+        int needed = 0; \
+        cusolverDn##P##orm##qr_bufferSize(h, s, t, m, n, k, A, lda, tau, Cm, ldc, &needed); \
+        if (lwork < needed) return CUSOLVER_STATUS_INVALID_VALUE; \
+        const int nq = s == CUBLAS_SIDE_LEFT ? m : n; \
+        return launch(h, "cusolverDn" #P #orm "qr", {{"A", A, nq, k, lda}, words("tau", tau, k), {"C", Cm, m, n, ldc}, \
+                      words("workspace", work, lwork), words("info", info, 1)}, [=, a = side(s), b = op(t)] { \
+            openBlas(#p #orm "qr_", &a, &b, &m, &n, &k, A, &lda, tau, Cm, &ldc, work, &lwork, info, oneChar, oneChar); \
+        }); \
+    } \
+    cusolverStatus_t cusolverDn##P##org##br_bufferSize(cusolverDnHandle_t h, cublasSideMode_t s, int m, int n, int k, \
+                                                      const T*, int lda, const T*, int* lwork) { \
+        if (h == nullptr) return CUSOLVER_STATUS_NOT_INITIALIZED; \
+        const char vect = s == CUBLAS_SIDE_LEFT ? 'Q' : 'P'; \
+        *lwork = queried<T>(#p #org "br_", std::tuple{&vect, &m, &n, &k, (T*)nullptr, &lda, (T*)nullptr}, \
+                            std::tuple{oneChar}); \
+        return CUSOLVER_STATUS_SUCCESS; \
+    } \
+    cusolverStatus_t cusolverDn##P##org##br(cusolverDnHandle_t h, cublasSideMode_t s, int m, int n, int k, T* A, \
+                                           int lda, const T* tau, T* work, int lwork, int* info) { \
+        int needed = 0; \
+        cusolverDn##P##org##br_bufferSize(h, s, m, n, k, A, lda, tau, &needed); \
+        if (lwork < needed) return CUSOLVER_STATUS_INVALID_VALUE; \
+        const int reflectors = std::min(s == CUBLAS_SIDE_LEFT ? m : n, k); \
+        return launch(h, "cusolverDn" #P #org "br", {{"A", A, m, n, lda}, words("tau", tau, reflectors), \
+                      words("workspace", work, lwork), words("info", info, 1)}, \
+                      [=, vect = s == CUBLAS_SIDE_LEFT ? 'Q' : 'P'] { \
+            openBlas(#p #org "br_", &vect, &m, &n, &k, A, &lda, tau, work, &lwork, info, oneChar); \
+        }); \
     }
 
 #define STAND_IN_LU(p, P, T) \
@@ -492,6 +611,41 @@ cusolverStatus_t cusolverDnSetStream(cusolverDnHandle_t handle, cudaStream_t str
 }
 
 STAND_IN_EACH_TYPE(STAND_IN_POTRF)
+STAND_IN_EACH_TYPE(STAND_IN_CHOLESKY)
+STAND_IN_QR(s, S, float, org, orm) STAND_IN_QR(d, D, double, org, orm)
+STAND_IN_QR(c, C, C, ung, unm) STAND_IN_QR(z, Z, Z, ung, unm)
+
+// trtri through the generic interface: the element type is an argument, and the
+// routine asks for host workspace too, which must lie outside device memory.
+cusolverStatus_t cusolverDnXtrtri_bufferSize(cusolverDnHandle_t h, cublasFillMode_t, cublasDiagType_t, int64_t n,
+                                             cudaDataType type, void*, int64_t, size_t* device, size_t* host) {
+    if (h == nullptr) return CUSOLVER_STATUS_NOT_INITIALIZED;
+    if (trtriElement(type) == 0) return CUSOLVER_STATUS_INVALID_VALUE;
+    *device = size_t(n + 1) * trtriElement(type);
+    *host = size_t(n + 1);
+    return CUSOLVER_STATUS_SUCCESS;
+}
+cusolverStatus_t cusolverDnXtrtri(cusolverDnHandle_t h, cublasFillMode_t u, cublasDiagType_t d, int64_t n64,
+                                  cudaDataType type, void* A, int64_t lda64, void* device, size_t deviceBytes,
+                                  void* host, size_t hostBytes, int* info) {
+    const size_t element = trtriElement(type);
+    if (element == 0 || deviceBytes < size_t(n64 + 1) * element || hostBytes < size_t(n64 + 1) || host == nullptr ||
+        onDevice(host, hostBytes))
+        return CUSOLVER_STATUS_INVALID_VALUE;
+    const int n = int(n64), lda = int(lda64);
+    const char* name = type == CUDA_R_32F   ? "strtri_"
+                       : type == CUDA_R_64F ? "dtrtri_"
+                       : type == CUDA_C_32F ? "ctrtri_"
+                                            : "ztrtri_";
+    return launch(h, "cusolverDnXtrtri", {{"A", static_cast<const char*>(A), long(n) * long(element), n,
+                                           long(lda) * long(element)},
+                                          words("workspace", static_cast<const char*>(device), long(deviceBytes)),
+                                          words("info", info, 1)},
+                  [=, uplo = fill(u), unit = diag(d)] {
+                      std::memset(host, 0xA5, hostBytes);
+                      openBlas(name, &uplo, &unit, &n, A, &lda, info, oneChar, oneChar);
+                  });
+}
 STAND_IN_EACH_TYPE(STAND_IN_LU)
 STAND_IN_MIXED(DS, ds, double, float)
 STAND_IN_MIXED(ZC, zc, Z, C, rwork,)
