@@ -284,13 +284,15 @@ Call expectedWide(const RootRow& row, const std::string& base, const Call& refer
 // at it and one above it, the others neutral (1 in a product, 0 in a sum); then
 // two products that wrap at 32 bits, to 0 (2^16 x 2^16) and to a negative number
 // (2^16 x 32769), so are under it, while in double they are far over it. The
-// other integers are the row's, each raised by its position: no two alike, so
-// that two words that trade places show in the entry line and the record.
+// other integers are large, 2^20 raised by their position: a measure that reads
+// one of them (k in ormqr, nrhs in posv, n in pbtrf) leaves the crossover's side,
+// and no two are alike, so that two words that trade places show in the entry
+// line and the record.
 std::vector<std::pair<std::vector<int>, bool>> crossoverCases(const RootRow& row) {
     std::vector<std::pair<std::vector<int>, bool>> cases;
     auto add = [&](std::vector<std::pair<std::size_t, int>> values, bool gpu) {
         auto& integers = cases.emplace_back(row.integers, gpu).first;
-        for (std::size_t i = 0; i < integers.size(); ++i) integers[i] += int(i);
+        for (std::size_t i = 0; i < integers.size(); ++i) integers[i] = (1 << 20) + int(i);
         for (int operand : row.measureWords) integers[operand] = row.measure == Measure::sum ? 0 : 1;
         for (auto [operand, value] : values) integers[row.measureWords[operand]] = value;
     };
