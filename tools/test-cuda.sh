@@ -38,7 +38,7 @@ run_each() {
 }
 
 run_each "$bundle/tests/cuda_library_tests"
-run_each "$bundle/tests/link_lu_multiply_tests" LINK_TEST_TOLERANCE=1
+run_each "$bundle/tests/link_routed_family_tests" LINK_TEST_TOLERANCE=1
 
 echo "passed $passed, failed $failed, skipped $skipped"
 echo "(on a GPU machine three skips are expected: RoutinesRefuseUntilStartedAndTouchNothing after"

@@ -1,5 +1,5 @@
-// The routed families through the link library (spotrf, LU, multiply): a new
-// routine is one more row below. One row per root holds the shape of its
+// The routed families through the link library: a new routine is one more row
+// below. One row per root holds the shape of its
 // arguments as the routine tables give them: the kind of each word in order,
 // which words never reach the GPU library, the integers to pass, the measure and
 // the crossover. From the row the tests build the calls, the entry line and the
@@ -35,7 +35,8 @@ namespace {
 // precision's type, I an integer array, f a float array, F a single complex
 // array, d a double array, D a double complex array, w lwork, o info.
 // An upper-case X before a kind marks a word that never reaches the GPU library;
-// a W marks workspace whose contents a GPU library need not reproduce.
+// a W marks workspace whose contents a GPU library need not reproduce; a Z marks
+// an array of zeros (a matrix that is not positive definite, or singular).
 // The measure is the product of the integers at measureWords (one alone: that
 // integer), wrapping at 32 bits, or in double for Measure::wide; for Measure::sum
 // their sum.
@@ -52,9 +53,10 @@ struct RootRow {
     std::vector<int> treated = {};  // of each integer array (I), the elements a 64-bit caller gets back
 };
 
-// Small problems: every dimension at most 6, every leading dimension 8. The
-// lengths of the integer arrays are ipiv's (min(m, n) in getrf and gbtrf, n in
-// the others) and iter's, one.
+// Small problems: every dimension at most 6, every leading dimension 8 (pbtrf's
+// 9, which puts the band's diagonal on the arrays' strong elements). The lengths
+// of the integer arrays are ipiv's (min(m, n) in getrf and gbtrf, n in the
+// others) and iter's, one. Roots with the same arguments share a row.
 const std::vector<RootRow> rows = {
     {"sgemm dgemm cgemm zgemm", "cciiiSpipiSpi", "NT", {5, 4, 3, 8, 8, 8}, Measure::wide, {0, 1, 2}, 4194304},
     {"ssymm dsymm csymm zsymm", "cciiSpipiSpi", "LU", {5, 4, 8, 8, 8}, Measure::product, {0, 1}, 262144},
@@ -67,14 +69,35 @@ const std::vector<RootRow> rows = {
     {"strsm dtrsm ctrsm ztrsm", "cccciiSpipi", "RLTN", {5, 4, 8, 8}, Measure::product, {0, 1}, 262144},
     {"ssymv dsymv", "ciSpipiSpi", "U", {6, 8, 1, 1}, Measure::product, {0}, 512},
     {"chemv zhemv", "ciSpipiSpi", "L", {6, 8, 1, 1}, Measure::product, {0}, 512},
-    {"spotrf", "cipio", "U", {6, 8}, Measure::product, {0}, 1024},
     {"sgetrf dgetrf cgetrf zgetrf", "iipiIo", "", {6, 5, 8}, Measure::product, {0, 1}, 1048576, {5}},
     {"sgetrs dgetrs cgetrs zgetrs", "ciipiIpio", "N", {6, 2, 8, 8}, Measure::product, {0}, 1024, {6}},
-    {"sgetri dgetri cgetri zgetri", "ipiIXpXwo", "", {6, 8, 64}, Measure::product, {0}, 1024, {6}},
+    {"sgetri dgetri cgetri zgetri", "ipiIXpXwo", "", {6, 8}, Measure::product, {0}, 1024, {6}},
     {"sgesv dgesv cgesv zgesv", "iipiIpio", "", {6, 2, 8, 8}, Measure::product, {0, 1}, 1048576, {6}},
     {"sgbtrf dgbtrf cgbtrf zgbtrf", "iiiipiIo", "", {6, 6, 1, 2, 8}, Measure::sum, {2, 3}, 1024, {6}},
     {"dsgesv", "iipiIpipiWpXfXIo", "", {6, 2, 8, 8, 8}, Measure::product, {0, 1}, 1048576, {6, 1}},
     {"zcgesv", "iipiIpipiWpXFXdXIo", "", {6, 2, 8, 8, 8}, Measure::product, {0, 1}, 1048576, {6, 1}},
+    {"spotrf dpotrf cpotrf zpotrf spotri dpotri cpotri zpotri", "cipio", "U", {6, 8}, Measure::product, {0}, 1024},
+    {"spotrf dpotrf cpotrf zpotrf", "ciZpio", "L", {6, 8}, Measure::product, {0}, 1024},  // not positive definite
+    {"spotrs dpotrs cpotrs zpotrs sposv dposv cposv zposv", "ciipipio", "L", {6, 2, 8, 8}, Measure::product, {0},
+     1024},
+    {"spbtrf dpbtrf cpbtrf zpbtrf", "ciipio", "L", {6, 2, 9}, Measure::product, {1}, 1024},
+    {"strtri dtrtri ctrtri ztrtri", "ccipio", "UN", {6, 8}, Measure::product, {0}, 1024},
+    {"strtrs dtrtrs ctrtrs ztrtrs", "ccciipipio", "LTN", {6, 2, 8, 8}, Measure::product, {0}, 1024},
+    {"strtrs dtrtrs ctrtrs ztrtrs", "ccciiZpipio", "UNN", {6, 2, 8, 8}, Measure::product, {0}, 1024},  // singular
+    {"sgeqrf dgeqrf cgeqrf zgeqrf sgeqlf dgeqlf cgeqlf zgeqlf sgerqf dgerqf cgerqf zgerqf "
+     "sgelqf dgelqf cgelqf zgelqf sgeqrfp dgeqrfp cgeqrfp zgeqrfp",
+     "iipipXpXwo", "", {6, 5, 8}, Measure::product, {0, 1}, 1048576},
+    {"sgels dgels cgels zgels", "ciiipipiXpXwo", "N", {6, 4, 2, 8, 8}, Measure::product, {0, 1}, 1048576},
+    {"sgglse dgglse cgglse zgglse", "iiipipipppXpXwo", "", {6, 4, 2, 8, 8}, Measure::product, {0, 1}, 1048576},
+    {"sggrqf dggrqf cggrqf zggrqf", "iiipippipXpXwo", "", {4, 6, 5, 8, 8}, Measure::wide, {0, 2, 1}, 1073741824},
+    {"sorgbr dorgbr cungbr zungbr", "ciiipipXpXwo", "Q", {6, 5, 4, 8}, Measure::product, {0, 1}, 1048576},
+    {"sorghr dorghr cunghr zunghr", "iiipipXpXwo", "", {6, 1, 6, 8}, Measure::product, {0}, 1024},
+    {"sorgqr dorgqr cungqr zungqr sorglq dorglq cunglq zunglq sorgql dorgql cungql zungql "
+     "sorgrq dorgrq cungrq zungrq",
+     "iiipipXpXwo", "", {6, 6, 4, 8}, Measure::product, {0, 1}, 1048576},
+    {"sormqr dormqr cunmqr zunmqr sormlq dormlq cunmlq zunmlq sormql dormql cunmql zunmql "
+     "sormrq dormrq cunmrq zunmrq",
+     "cciiipippiXpXwo", "LN", {6, 5, 4, 8, 8}, Measure::product, {0, 1}, 1048576},
 };
 
 // The logged CPU-only routines whose results matter, held on their one side:
@@ -124,8 +147,10 @@ constexpr int64_t infoBefore = 0x7777777777777777;
 
 // The words of one call, filled from a fixed seed so that two calls built alike
 // start from the same bytes, and the entry line and the GPU call they give. A
-// wide call has 64-bit integers, as an ILP64 caller passes them.
-Call buildCall(const RootRow& row, const std::string& base, const std::vector<int>& integers, bool wide = false) {
+// wide call has 64-bit integers, as an ILP64 caller passes them; lwork is -1 in a
+// work query.
+Call buildCall(const RootRow& row, const std::string& base, const std::vector<int>& integers, bool wide = false,
+               int lwork = 64) {
     auto appendInteger = [wide](std::vector<unsigned char>& bytes, int value) {
         append(bytes, value);
         if (wide) append(bytes, highHalf);
@@ -139,7 +164,8 @@ Call buildCall(const RootRow& row, const std::string& base, const std::vector<in
     std::string logged, recorded;
     for (const char* kind = row.kinds; *kind != '\0'; ++kind) {
         Word& word = call.words.emplace_back(Word{{}, *kind == 'X', *kind == 'W'});
-        if (word.hostOnly || word.workspace) ++kind;
+        const bool zeros = *kind == 'Z';
+        if (word.hostOnly || word.workspace || zeros) ++kind;
         word.kind = *kind;
         // The size of the word's reals: by its kind for f, F, d and D, else by the
         // routine's first letter (dsgesv and zcgesv too).
@@ -151,7 +177,7 @@ Call buildCall(const RootRow& row, const std::string& base, const std::vector<in
             word.bytes.push_back(static_cast<unsigned char>(*character));
             shown = std::string(1, *character++);
         } else if (*kind == 'i' || *kind == 'w') {
-            const int value = *kind == 'w' ? 64 : *integer++;
+            const int value = *kind == 'w' ? lwork : *integer++;
             appendInteger(word.bytes, value);
             shown = std::to_string(value);
         } else if (*kind == 'S' || *kind == 'R') {
@@ -171,7 +197,7 @@ Call buildCall(const RootRow& row, const std::string& base, const std::vector<in
             for (int j = 0; j < 8 * 16; ++j)
                 for (int part = 0; part < parts; ++part) {
                     seed = seed * 1103515245u + 12345u;
-                    const double value = double((seed >> 8) % 2001) / 1000.0 - 1.0 + (part == 0 && j % 9 == 0 ? 8 : 0);
+                    const double value = zeros ? 0 : double((seed >> 8) % 2001) / 1000.0 - 1.0 + (part == 0 && j % 9 == 0 ? 8 : 0);
                     *kind == 'I' ? appendInteger(word.bytes, j % 6 + 1) : appendReal(word.bytes, value, real);
                 }
             shown = pointerText(word.bytes.data());
@@ -230,8 +256,8 @@ void expectWithinBound(const Word& word, const Word& reference) {
 // `reference`: its input integers as it gave them; info 0 in both halves; in each
 // integer array the row's number of elements, OpenBLAS's values zero-extended,
 // and behind them its own bytes; everything else OpenBLAS's.
-Call expectedWide(const RootRow& row, const std::string& base, const Call& reference) {
-    Call expected = buildCall(row, base, row.integers, true);
+Call expectedWide(const RootRow& row, const std::string& base, const Call& reference, int lwork) {
+    Call expected = buildCall(row, base, row.integers, true, lwork);
     auto treated = row.treated.begin();
     for (std::size_t w = 0; w < expected.words.size(); ++w) {
         auto& bytes = expected.words[w].bytes;
@@ -258,13 +284,15 @@ Call expectedWide(const RootRow& row, const std::string& base, const Call& refer
 // at it and one above it, the others neutral (1 in a product, 0 in a sum); then
 // two products that wrap at 32 bits, to 0 (2^16 x 2^16) and to a negative number
 // (2^16 x 32769), so are under it, while in double they are far over it. The
-// other integers are the row's, each raised by its position: no two alike, so
-// that two words that trade places show in the entry line and the record.
+// other integers are large, 2^20 raised by their position: a measure that reads
+// one of them (k in ormqr, nrhs in posv, n in pbtrf) leaves the crossover's side,
+// and no two are alike, so that two words that trade places show in the entry
+// line and the record.
 std::vector<std::pair<std::vector<int>, bool>> crossoverCases(const RootRow& row) {
     std::vector<std::pair<std::vector<int>, bool>> cases;
     auto add = [&](std::vector<std::pair<std::size_t, int>> values, bool gpu) {
         auto& integers = cases.emplace_back(row.integers, gpu).first;
-        for (std::size_t i = 0; i < integers.size(); ++i) integers[i] += int(i);
+        for (std::size_t i = 0; i < integers.size(); ++i) integers[i] = (1 << 20) + int(i);
         for (int operand : row.measureWords) integers[operand] = row.measure == Measure::sum ? 0 : 1;
         for (auto [operand, value] : values) integers[row.measureWords[operand]] = value;
     };
@@ -281,11 +309,11 @@ std::vector<std::pair<std::vector<int>, bool>> crossoverCases(const RootRow& row
 // emulator), and on the CPU after a GPU failure — for class A (no info) also
 // after statuses 7 and 8, which only routines with info take as answers. With
 // the log on, with it off, and for a 64-bit caller, each in its own process.
-class LuMultiplyFamilies : public testing::TestWithParam<const char*> {};
-INSTANTIATE_TEST_SUITE_P(Modes, LuMultiplyFamilies, testing::Values("Log", "Quiet", "Ilp64"),
+class RoutedFamilies : public testing::TestWithParam<const char*> {};
+INSTANTIATE_TEST_SUITE_P(Modes, RoutedFamilies, testing::Values("Log", "Quiet", "Ilp64"),
                          [](const auto& info) { return std::string(info.param); });
 
-TEST_P(LuMultiplyFamilies, EverySideGivesOpenBlasResults) {
+TEST_P(RoutedFamilies, EverySideGivesOpenBlasResults) {
     const std::string mode = GetParam();
     const bool wide = mode == "Ilp64";
     if (wide) setEnv("VORN_ILP64", "1");
@@ -297,25 +325,29 @@ TEST_P(LuMultiplyFamilies, EverySideGivesOpenBlasResults) {
         // The CPU twice (the second call, its CPU function found, takes the short
         // path where the log is off), the GPU, then the GPU failing with each
         // status (only the emulator fails on request; 7 and 8 are failures only
-        // without info).
+        // without info); a work query where there is lwork, which goes to the CPU
+        // although the GPU is asked for.
         std::vector<std::string> sides = {"CPU", "CPU", "GPU", "4", "7", "8"};
         if (row.crossover == 0) sides.resize(2);
         else if (tolerant) sides.resize(3);
         else if (std::strchr(row.kinds, 'o') != nullptr) sides.resize(4);
+        const char* lworkKind = std::strchr(row.kinds, 'w');
+        if (lworkKind != nullptr) sides.push_back("query");
         for (const std::string& base : basesOf(row)) {
             SCOPED_TRACE(base);
-            Call reference = buildCall(row, base, row.integers);
-            callWith(referenceRoutine(base), reference);
-            const Call expected = wide ? expectedWide(row, base, reference) : reference;
             for (const std::string& side : sides) {
-                if (side != "CPU" && side != "GPU") setEnv("VORN_EMU_STATUS", base + "=" + side);
+                const int lwork = side == "query" ? -1 : 64;
+                Call reference = buildCall(row, base, row.integers, false, lwork);
+                callWith(referenceRoutine(base), reference);
+                const Call expected = wide ? expectedWide(row, base, reference, lwork) : reference;
+                if (side != "CPU" && side != "GPU" && side != "query") setEnv("VORN_EMU_STATUS", base + "=" + side);
                 side == "CPU" ? vornLinkSetCpuAlways() : vornLinkSetGpuAlways();
-                Call call = buildCall(row, base, row.integers, wide);
+                Call call = buildCall(row, base, row.integers, wide, lwork);
                 callWith(linkRoutine(base), call);
                 vornLinkClearCpuAlways();
                 vornLinkClearGpuAlways();
                 unsetenv("VORN_EMU_STATUS");
-                gpuCalls += side != "CPU";
+                gpuCalls += side != "CPU" && side != "query";
                 for (std::size_t w = 0; w < call.words.size(); ++w) {
                     SCOPED_TRACE(side + " side, word " + std::to_string(w + 1));
                     const Word& word = call.words[w];
@@ -327,6 +359,19 @@ TEST_P(LuMultiplyFamilies, EverySideGivesOpenBlasResults) {
                     } else {
                         EXPECT_EQ(word.bytes, expected.words[w].bytes);
                     }
+                }
+                if (side == "query" && !log.empty()) {
+                    // work, the word before lwork: its first element as OpenBLAS's query left it.
+                    const Word& work = reference.words[lworkKind - row.kinds - std::count(row.kinds, lworkKind, 'X') - 1];
+                    double first = 0;
+                    if (work.real == 8) std::memcpy(&first, work.bytes.data(), 8);
+                    else first = *reinterpret_cast<const float*>(work.bytes.data());
+                    const auto lines = readLines(log);
+                    ASSERT_GE(lines.size(), 3u);
+                    EXPECT_EQ(std::vector(lines.end() - 3, lines.end()),
+                              (std::vector<std::string>{"vorn info:  issuing to CPU (work query)",
+                                                        "vorn info:  work query returned " + std::to_string(int(first)),
+                                                        "vorn info:  done"}));
                 }
             }
         }
@@ -343,7 +388,7 @@ TEST_P(LuMultiplyFamilies, EverySideGivesOpenBlasResults) {
 // value, and the measure takes each of its operands and decides at the crossover
 // (crossoverCases). No computation happens: the GPU answers are forced and the
 // CPU library is missing, so the words may describe any size.
-TEST(LuMultiplyCrossovers, EntryLineGpuArgumentsAndCrossover) {
+TEST(RoutedCrossovers, EntryLineGpuArgumentsAndCrossover) {
     if (tolerant) GTEST_SKIP() << "needs the emulator's record";
     const std::string log = useLogFile(), record = useRecord();
     setEnv("VORN_CPU_LIB", "libvorn-no-such-library.so");
@@ -376,7 +421,7 @@ TEST(LuMultiplyCrossovers, EntryLineGpuArgumentsAndCrossover) {
 // fixed array of 4 read and written; dtrevc's select, a LOGICAL array, and m, an
 // output scalar. Each array comes back with OpenBLAS's values zero-extended and
 // the element behind it as the caller left it.
-TEST(LuMultiplyCrossovers, Ilp64FixedAndLogicalArrays) {
+TEST(RoutedCrossovers, Ilp64FixedAndLogicalArrays) {
     setEnv("VORN_ILP64", "1");
     using I64 = int64_t;
     auto wide = [](std::vector<int> values, I64 behind) {
