@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
 # Runs on the GPU machine, from the bundle that tools/build-gpu-bundle.sh made
 # (build-gpu/bundle.tar.gz, unpacked here when needed): the CUDA GPU library's own
-# tests, then the LU and multiply family tests through the link library with the
-# CUDA library in the emulator's place, results within LAPACK's error bounds of
-# OpenBLAS's. Each test runs in a process of its own, as ctest would run it (the
-# build's ctest files name the folders of the machine that built it). About a
-# minute. Exit status 0 when everything passed.
+# tests, then the routed family tests through the link library with the CUDA
+# library in the emulator's place, results within LAPACK's error bounds of
+# OpenBLAS's (the routines the CUDA library leaves to the CPU come back from it
+# as "not available" and run on the CPU library). Each test runs in a process of
+# its own, as ctest would run it (the build's ctest files name the folders of the
+# machine that built it). About a minute. Exit status 0 when everything passed.
 set -uo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 bundle="$root/build-gpu/bundle"
@@ -41,7 +42,7 @@ run_each "$bundle/tests/cuda_library_tests"
 run_each "$bundle/tests/link_routed_family_tests" LINK_TEST_TOLERANCE=1
 
 echo "passed $passed, failed $failed, skipped $skipped"
-echo "(on a GPU machine three skips are expected: RoutinesRefuseUntilStartedAndTouchNothing after"
-echo " its first half (the start-up without a GPU), and the two family tests that need the emulator)"
+echo "(on a GPU machine two skips are expected: RoutinesRefuseUntilStartedAndTouchNothing after"
+echo " its first half (the start-up without a GPU), and the family test that needs the emulator's record)"
 for f in "${failures[@]}"; do echo "FAILED: $f"; done
 [ "$failed" -eq 0 ]

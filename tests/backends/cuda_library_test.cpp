@@ -165,7 +165,8 @@ TEST_P(CudaTransferModes, LargeProblemsMatchOpenBlasWithinErrorBounds) {
 // them: getrf's factors and pivots; gesv's and posv's factors with b untouched;
 // getri's, potri's and trtri's a untouched; trtrs's b untouched, even with no
 // right-hand side; gels's QR factors with Q^T b ('N') or b untouched ('C'). And
-// gels's quick return that writes: an empty A gives a zero solution.
+// gels's quick return that writes: an empty A gives a zero solution; and the
+// cases of gels left to the CPU.
 TEST(CudaLibrary, SingularMatricesGiveStatusSevenWithInfo) {
     REQUIRE_GPU();
     const int n = 6;
@@ -231,6 +232,17 @@ TEST(CudaLibrary, SingularMatricesGiveStatusSevenWithInfo) {
     EXPECT_EQ(vornZgels('N', 0, cols, rhs, gpu(empty.data()), 1, gpu(empty.data()), m), 0);
     for (int j = 0; j < rhs; ++j)
         for (int i = 0; i < m; ++i) EXPECT_EQ(empty[i + j * m], i < cols ? Z(0) : Z(-7)) << i << "," << j;
+
+    // What LAPACK's gels scales first, and m < n (an LQ factorisation), are left
+    // to the CPU library: "not available", nothing touched.
+    auto tiny = matrix<double>(m, cols, m, 30), normal = matrix<double>(m, cols, m, 31);
+    for (double& v : tiny) v *= 1e-300;
+    const auto tinyBefore = tiny, normalBefore = normal;
+    EXPECT_EQ(vornDgels('N', m, cols, 1, tiny.data(), m, normal.data(), m), VORN_STATUS_NOT_AVAILABLE);
+    EXPECT_EQ(vornDgels('T', m, cols, 1, normal.data(), m, tiny.data(), m), VORN_STATUS_NOT_AVAILABLE);
+    EXPECT_EQ(vornDgels('N', cols, m, 1, normal.data(), cols, tiny.data(), m), VORN_STATUS_NOT_AVAILABLE);
+    EXPECT_EQ(tiny, tinyBefore);
+    EXPECT_EQ(normal, normalBefore);
 }
 
 // When refinement in the lower precision gives up, dsgesv leaves a as LAPACK

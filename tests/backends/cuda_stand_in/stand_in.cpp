@@ -324,9 +324,9 @@ template <class T> void scribble(T* a, int n, int lda) {
         }); \
     }
 
-// ---- cuSOLVER: potrf, getrf and getrs on the handle's stream, info written to
-// device memory; the mixed-precision solvers at the call, since they answer their
-// iteration count on the host.
+// ---- cuSOLVER: the Cholesky, triangular, LU and QR routines on the handle's
+// stream, info written to device memory; the mixed-precision solvers at the call,
+// since they answer their iteration count on the host.
 
 #define STAND_IN_POTRF(p, P, T) \
     cusolverStatus_t cusolverDn##P##potrf_bufferSize(cusolverDnHandle_t h, cublasFillMode_t, int n, T*, int, \
