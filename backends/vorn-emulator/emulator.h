@@ -32,6 +32,10 @@ ForcedStatus emulatorForcedStatus(const char* routine);
 // Appends a line to the record file when VORN_EMU_RECORD is set.
 [[gnu::format(printf, 1, 2)]] void emulatorRecord(const char* format, ...);
 
+// Whether VORN_EMU_RECORD is set: read at every call, as a process may set it
+// between calls.
+bool emulatorRecording();
+
 // 0 when routines can run: vornInitialize succeeded. Else the status a routine
 // gives: not initialised, or the CPU library missing.
 int emulatorReadiness();
@@ -56,8 +60,11 @@ inline int recordArgument(char* out, std::size_t size, vornDoubleComplex v) {
 }
 inline int recordArgument(char* out, std::size_t size, const void* v) { return std::snprintf(out, size, "%p", v); }
 
+// Formatting the arguments costs more than a small routine's work: without a
+// record file nothing is formatted.
 template <class... Args>
 void emulatorRecordCall(const char* gpuName, Args... args) {
+    if (!emulatorRecording()) return;
     char line[512];
     std::size_t used = std::snprintf(line, sizeof line, "%s(", gpuName);
     const char* separator = "";
