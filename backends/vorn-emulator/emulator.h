@@ -150,8 +150,10 @@ int emulateWithWorkspace(const char* gpuName, Args... args) {
         reinterpret_cast<Function>(function)(emulatorAddress(args)..., work, &lwork, &info);
         return info;
     };
+    // A query with an illegal argument is the answer: the CPU routine has
+    // reported it (through its xerbla) once, and the call would again.
     T size{};
-    call(&size, -1);
+    if (const int info = call(&size, -1); info != 0) return emulatorAnswer(info);
     std::vector<T> work(std::max(1, static_cast<int>(realPart(size))));
     return emulatorAnswer(call(work.data(), static_cast<int>(work.size())));
 }
