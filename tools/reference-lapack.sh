@@ -592,10 +592,9 @@ for side in ${report_sides#alone }; do
   times+=("$(printf '%.0f s %s' "${seconds[$side]:-0}" "${word[$side]}")")
 done
 echo
-echo "error-exit reports under the link library: $(joined "${under[@]}") (${alone_title%% alone} alone:"
-echo "${total_exits[alone]}); the isolated OpenBLAS printed lines of its own xerbla_: $(joined "${printed[@]}")."
-echo "Each report is an illegal argument that the program expected its xerbla_ to see, passed to a"
-echo "routine the link library exports."
+echo "error-exit reports under the link library: $(joined "${under[@]}") ($alone_title: ${total_exits[alone]});"
+echo "lines of the isolated OpenBLAS's own xerbla_: $(joined "${printed[@]}"). Each report is an illegal"
+echo "argument that the program expected its xerbla_ to see, passed to a routine the link library exports."
 ((compare_only)) || printf 'ran in %d s; ' "$elapsed"
 echo "program time $(joined "${times[@]}")"
 if ((ilp64 && ran32)); then
