@@ -81,9 +81,9 @@
 # expected: they are counted, not compared.
 #
 # Exit status: 0 no pair does worse with the link library (linked or GPU
-# always, the allowed pairs aside), 1 some pair does, 2
-# no build (or, with --compare-only, no earlier outputs), 77 the test programs
-# are not installed and cannot be.
+# always, the known and the allowed pairs aside), 1 some pair does, 2 no build
+# (or, with --compare-only, no earlier outputs), 77 the test programs are not
+# installed and cannot be.
 set -uo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -111,15 +111,17 @@ build=$(cd "$build" && pwd)
 # the measure of OpenBLAS's own results; their outputs are looked for in out32
 # (the 32-bit run of this script), then in OUT/openblas32.
 programs32=/usr/lib/x86_64-linux-gnu/lapack limit32=900
-# The runs are the sides: the run alone, "link" and, in the 32-bit run, "gpu".
 if ((ilp64)); then
   programs=/usr/lib/x86_64-linux-gnu/lapack64 package=liblapack64-test limit=240
   out="$build/reference-lapack64" alone=reference alone_title="reference LAPACK alone"
-  out32="$build/reference-lapack/openblas" sides="reference link"
+  out32="$build/reference-lapack/openblas"
 else
   programs=/usr/lib/x86_64-linux-gnu/lapack package=liblapack-test limit=900
-  out="$build/reference-lapack" alone=openblas alone_title="OpenBLAS alone" sides="openblas link gpu"
+  out="$build/reference-lapack" alone=openblas alone_title="OpenBLAS alone"
 fi
+# The runs are the sides: the run alone, "link" and, in the 32-bit run, "gpu".
+sides="$alone link"
+((ilp64)) || sides+=" gpu"
 link_library="$build/libvorn_lapack_link.so"
 # gfortran's callers take complex function results from registers and use the
 # later form of syswapr/heswapr: this library, preloaded first, serves them.
