@@ -32,6 +32,8 @@ void emulatorRecord(const char* format, ...) {
     std::fclose(record);
 }
 
+bool emulatorRecording() { return std::getenv("VORN_EMU_RECORD") != nullptr; }
+
 // Finds "<routine>=<status>[:<info>]" in VORN_EMU_STATUS.
 ForcedStatus emulatorForcedStatus(const char* routine) {
     const char* list = std::getenv("VORN_EMU_STATUS");

@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <limits>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -31,6 +32,10 @@ ForcedStatus emulatorForcedStatus(const char* routine);
 
 // Appends a line to the record file when VORN_EMU_RECORD is set.
 [[gnu::format(printf, 1, 2)]] void emulatorRecord(const char* format, ...);
+
+// Whether VORN_EMU_RECORD is set: read at every call, as a process may set it
+// between calls.
+bool emulatorRecording();
 
 // 0 when routines can run: vornInitialize succeeded. Else the status a routine
 // gives: not initialised, or the CPU library missing.
@@ -56,8 +61,11 @@ inline int recordArgument(char* out, std::size_t size, vornDoubleComplex v) {
 }
 inline int recordArgument(char* out, std::size_t size, const void* v) { return std::snprintf(out, size, "%p", v); }
 
+// Formatting the arguments costs more than a small routine's work: without a
+// record file nothing is formatted.
 template <class... Args>
 void emulatorRecordCall(const char* gpuName, Args... args) {
+    if (!emulatorRecording()) return;
     char line[512];
     std::size_t used = std::snprintf(line, sizeof line, "%s(", gpuName);
     const char* separator = "";
@@ -128,9 +136,25 @@ inline double realPart(double v) { return v; }
 inline double realPart(vornFloatComplex v) { return v.re; }
 inline double realPart(vornDoubleComplex v) { return v.re; }
 
+// The sum of a call's by-value integer arguments, negative ones counting 0.
+template <class... Args>
+long long integerArgumentSum(Args... args) {
+    long long sum = 0;
+    auto add = [&](auto value) {
+        if constexpr (std::is_same_v<decltype(value), int>) sum += std::max(value, 0);
+    };
+    (add(args), ...);
+    return sum;
+}
+
 // A routine whose CPU routine takes work and lwork before info, which the GPU
 // interface leaves out (getri, the orthogonal factorisations and factors): the
-// emulator asks the CPU routine for the optimal size and brings its own.
+// emulator asks the CPU routine for the optimal size and brings its own. It
+// brings at least the sum of the integer arguments, which holds every such
+// routine's smallest accepted lwork (n for getri, max(1, n) for geqlf,
+// m + n + p for gglse, ...): some CPU routines answer a query below their own
+// minimum where a dimension is 0 (OpenBLAS 0.3.21's geqlf with m = 0 answers 1
+// and then wants n, its cunmlq with k = 0 the same), and would refuse the call.
 template <FixedString Routine, class T, class... Args>
 int emulateWithWorkspace(const char* gpuName, Args... args) {
     int status;
@@ -143,9 +167,12 @@ int emulateWithWorkspace(const char* gpuName, Args... args) {
         reinterpret_cast<Function>(function)(emulatorAddress(args)..., work, &lwork, &info);
         return info;
     };
+    // A query with an illegal argument is the answer: the CPU routine has
+    // reported it (through its xerbla) once, and the call would again.
     T size{};
-    call(&size, -1);
-    std::vector<T> work(std::max(1, static_cast<int>(realPart(size))));
+    if (const int info = call(&size, -1); info != 0) return emulatorAnswer(info);
+    const long long length = std::max({1LL, static_cast<long long>(realPart(size)), integerArgumentSum(args...)});
+    std::vector<T> work(static_cast<std::size_t>(std::min<long long>(length, std::numeric_limits<int>::max())));
     return emulatorAnswer(call(work.data(), static_cast<int>(work.size())));
 }
 

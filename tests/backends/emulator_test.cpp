@@ -6,8 +6,14 @@
 #include "tests/link/link_test.h"  // the matrices
 #include "vorn_lapack.h"
 
-// OpenBLAS, linked into this program, with gfortran's hidden length.
+// OpenBLAS, linked into this program, with gfortran's hidden lengths.
 extern "C" void spotrf_(const char* uplo, const int* n, float* a, const int* lda, int* info, std::size_t);
+extern "C" void dgeqlf_(const int* m, const int* n, double* a, const int* lda, double* tau, double* work,
+                        const int* lwork, int* info);
+extern "C" void cunmlq_(const char* side, const char* trans, const int* m, const int* n, const int* k,
+                        const vornFloatComplex* a, const int* lda, const vornFloatComplex* tau, vornFloatComplex* c,
+                        const int* ldc, vornFloatComplex* work, const int* lwork, int* info, std::size_t,
+                        std::size_t);
 
 namespace {
 
@@ -64,6 +70,24 @@ TEST(VornEmulator, ForcedStatusesLeaveTheArrayAlone) {
         EXPECT_EQ(vornGetErrorInfo(), c.info);
         EXPECT_TRUE(sameBits(a, c.status == 0 ? computed : original));
     }
+}
+
+// A routine with workspace brings enough of it also where the CPU routine's
+// query answers less than the call then asks for (a dimension of 0): calls that
+// OpenBLAS takes with the workspace its documentation asks for.
+TEST(VornEmulator, WorkspaceEnoughWhereAQueryAnswersTooLittle) {
+    ASSERT_EQ(vornInitialize(), VORN_STATUS_SUCCESS);
+    const int zero = 0, one = 1, three = 3, five = 5;
+    std::vector<double> a(5), tau(5), work(5);
+    int info = -99;
+    dgeqlf_(&zero, &five, a.data(), &one, tau.data(), work.data(), &five, &info);
+    ASSERT_EQ(info, 0);
+    EXPECT_EQ(vornDgeqlf(0, 5, a.data(), 1, tau.data()), VORN_STATUS_SUCCESS);
+    std::vector<vornFloatComplex> ca(9), ctau(3), c(15), cwork(5);
+    cunmlq_("L", "C", &three, &five, &zero, ca.data(), &three, ctau.data(), c.data(), &three, cwork.data(), &five,
+            &info, 1, 1);
+    ASSERT_EQ(info, 0);
+    EXPECT_EQ(vornCunmlq('L', 'C', 3, 5, 0, ca.data(), 3, ctau.data(), c.data(), 3), VORN_STATUS_SUCCESS);
 }
 
 TEST(VornEmulator, InitializeWithoutTheCpuLibraryFails) {
