@@ -51,9 +51,7 @@ template <int W> struct In : Int32 {
 };
 template <int W> struct Ch {
     char letter;
-    explicit Ch(CallWords words) : letter(words.read<char>(W)) {
-        if (letter >= 'a' && letter <= 'z') letter = static_cast<char>(letter - 'a' + 'A');
-    }
+    explicit Ch(CallWords words) : letter(words.upperCharacter(W)) {}
     bool operator==(char upper) const { return letter == upper; }
 };
 

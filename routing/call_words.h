@@ -16,6 +16,13 @@ struct CallWords {
     // the low half of the caller's 8 bytes.
     int32_t integer(int position) const { return read<int32_t>(position); }
 
+    // A character argument folded to upper case, as LAPACK compares them (ASCII
+    // letters only).
+    char upperCharacter(int position) const {
+        const char c = read<char>(position);
+        return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    }
+
     template <class T>
     T read(int position) const {
         T value;

@@ -43,14 +43,28 @@ struct RoutedRoutine {
     static int32_t crossover() { return crossoverTable.*CrossoverEntry; }
 };
 
+// The crossover the measure is held against: the routine's entry, or for a row
+// with a job-scaled crossover (syev's jobz, steqr's compz) the entry times the
+// factor its job character gives, a wrapping 32-bit product. The character is
+// read afresh at each evaluation.
+template <class Routine>
+int32_t linkScaledCrossover(CallWords words) {
+    if constexpr (requires { Routine::Args::crossoverFactor(words); }) {
+        return multiply32(Routine::Args::crossoverFactor(words), Routine::crossover());
+    } else {
+        return Routine::crossover();
+    }
+}
+
 template <class Routine>
 bool measureUnderCrossover(CallWords words) {
     const auto measure = Routine::Args::measure(words);
+    const int32_t crossover = linkScaledCrossover<Routine>(words);
     if constexpr (std::is_same_v<decltype(measure), const double>) {
-        return measure < static_cast<double>(Routine::crossover());
+        return measure < static_cast<double>(crossover);
     } else {
         static_assert(std::is_same_v<decltype(measure), const int32_t>);
-        return measure < Routine::crossover();
+        return measure < crossover;
     }
 }
 

@@ -106,6 +106,46 @@ using vornRealOf = std::conditional_t<std::is_same_v<T, float> || std::is_same_v
 #define VORN_GPU_PARAMETERS_ormql VORN_GPU_PARAMETERS_ormqr
 #define VORN_GPU_PARAMETERS_ormrq VORN_GPU_PARAMETERS_ormqr
 
+// Reductions, eigenvalues and singular values. R is the real type of T: the
+// eigenvalues, singular values, bidiagonal and tridiagonal entries, and the real
+// scalars vl, vu and abstol. heev, heevx and hegv take the parameters of their
+// real sisters; geev's complex routines have one array w for wr and wi.
+#define VORN_GPU_PARAMETERS_gehrd(P, T) P(int, n), P(int, ilo), P(int, ihi), P(T*, a), P(int, lda), P(T*, tau)
+#define VORN_GPU_PARAMETERS_gebrd(P, T)                                                                             \
+    P(int, m), P(int, n), P(T*, a), P(int, lda), P(vornRealOf<T>*, d), P(vornRealOf<T>*, e), P(T*, tauq), P(T*, taup)
+#define VORN_GPU_PARAMETERS_geev(P, T)                                                                       \
+    P(char, jobvl), P(char, jobvr), P(int, n), P(T*, a), P(int, lda), P(T*, wr), P(T*, wi), P(T*, vl), P(int, ldvl), \
+        P(T*, vr), P(int, ldvr)
+#define VORN_GPU_PARAMETERS_geevComplex(P, T)                                                                \
+    P(char, jobvl), P(char, jobvr), P(int, n), P(T*, a), P(int, lda), P(T*, w), P(T*, vl), P(int, ldvl), P(T*, vr), \
+        P(int, ldvr)
+#define VORN_GPU_PARAMETERS_syev(P, T) \
+    P(char, jobz), P(char, uplo), P(int, n), P(T*, a), P(int, lda), P(vornRealOf<T>*, w)
+#define VORN_GPU_PARAMETERS_heev VORN_GPU_PARAMETERS_syev
+#define VORN_GPU_PARAMETERS_syevx(P, T)                                                                          \
+    P(char, jobz), P(char, range), P(char, uplo), P(int, n), P(T*, a), P(int, lda), P(vornRealOf<T>, vl),         \
+        P(vornRealOf<T>, vu), P(int, il), P(int, iu), P(vornRealOf<T>, abstol), P(int*, m), P(vornRealOf<T>*, w), \
+        P(T*, z), P(int, ldz), P(T*, work)
+#define VORN_GPU_PARAMETERS_heevx VORN_GPU_PARAMETERS_syevx
+#define VORN_GPU_PARAMETERS_sygv(P, T)                                                                       \
+    P(int, itype), P(char, jobz), P(char, uplo), P(int, n), P(T*, a), P(int, lda), P(T*, b), P(int, ldb), \
+        P(vornRealOf<T>*, w)
+#define VORN_GPU_PARAMETERS_hegv VORN_GPU_PARAMETERS_sygv
+#define VORN_GPU_PARAMETERS_steqr(P, T) \
+    P(char, compz), P(int, n), P(vornRealOf<T>*, d), P(vornRealOf<T>*, e), P(T*, z), P(int, ldz)
+#define VORN_GPU_PARAMETERS_stebz(P, T)                                                                          \
+    P(char, range), P(char, order), P(int, n), P(T, vl), P(T, vu), P(int, il), P(int, iu), P(T, abstol),          \
+        P(const T*, d), P(const T*, e), P(int*, m), P(int*, nsplit), P(T*, w), P(int*, iblock), P(int*, isplit)
+#define VORN_GPU_PARAMETERS_gesvd(P, T)                                                                          \
+    P(char, jobu), P(char, jobvt), P(int, m), P(int, n), P(T*, a), P(int, lda), P(vornRealOf<T>*, s), P(T*, u), \
+        P(int, ldu), P(T*, vt), P(int, ldvt)
+#define VORN_GPU_PARAMETERS_gesdd(P, T)                                                                         \
+    P(char, jobz), P(int, m), P(int, n), P(T*, a), P(int, lda), P(vornRealOf<T>*, s), P(T*, u), P(int, ldu), \
+        P(T*, vt), P(int, ldvt)
+#define VORN_GPU_PARAMETERS_bdsqr(P, T)                                                                         \
+    P(char, uplo), P(int, n), P(int, ncvt), P(int, nru), P(int, ncc), P(vornRealOf<T>*, d), P(vornRealOf<T>*, e), \
+        P(T*, vt), P(int, ldvt), P(T*, u), P(int, ldu), P(T*, c), P(int, ldc)
+
 // One row per GPU function: its name, the routine's base name, its root (whose
 // parameter list it takes) and its element type.
 #define VORN_GPU_FUNCTIONS(X)                           \
@@ -269,7 +309,51 @@ using vornRealOf = std::conditional_t<std::is_same_v<T, float> || std::is_same_v
     X(vornSormrq, sormrq, ormrq, float)                 \
     X(vornDormrq, dormrq, ormrq, double)                \
     X(vornCunmrq, cunmrq, ormrq, vornFloatComplex)      \
-    X(vornZunmrq, zunmrq, ormrq, vornDoubleComplex)
+    X(vornZunmrq, zunmrq, ormrq, vornDoubleComplex)     \
+    /* Reductions and eigenvalues */                    \
+    X(vornSgehrd, sgehrd, gehrd, float)                 \
+    X(vornDgehrd, dgehrd, gehrd, double)                \
+    X(vornCgehrd, cgehrd, gehrd, vornFloatComplex)      \
+    X(vornZgehrd, zgehrd, gehrd, vornDoubleComplex)     \
+    X(vornSgebrd, sgebrd, gebrd, float)                 \
+    X(vornDgebrd, dgebrd, gebrd, double)                \
+    X(vornCgebrd, cgebrd, gebrd, vornFloatComplex)      \
+    X(vornZgebrd, zgebrd, gebrd, vornDoubleComplex)     \
+    X(vornSgeev, sgeev, geev, float)                    \
+    X(vornDgeev, dgeev, geev, double)                   \
+    X(vornCgeev, cgeev, geevComplex, vornFloatComplex)  \
+    X(vornZgeev, zgeev, geevComplex, vornDoubleComplex) \
+    X(vornSsyev, ssyev, syev, float)                    \
+    X(vornDsyev, dsyev, syev, double)                   \
+    X(vornCheev, cheev, heev, vornFloatComplex)         \
+    X(vornZheev, zheev, heev, vornDoubleComplex)        \
+    X(vornSsyevx, ssyevx, syevx, float)                 \
+    X(vornDsyevx, dsyevx, syevx, double)                \
+    X(vornCheevx, cheevx, heevx, vornFloatComplex)      \
+    X(vornZheevx, zheevx, heevx, vornDoubleComplex)     \
+    X(vornSsygv, ssygv, sygv, float)                    \
+    X(vornDsygv, dsygv, sygv, double)                   \
+    X(vornChegv, chegv, hegv, vornFloatComplex)         \
+    X(vornZhegv, zhegv, hegv, vornDoubleComplex)        \
+    X(vornSsteqr, ssteqr, steqr, float)                 \
+    X(vornDsteqr, dsteqr, steqr, double)                \
+    X(vornCsteqr, csteqr, steqr, vornFloatComplex)      \
+    X(vornZsteqr, zsteqr, steqr, vornDoubleComplex)     \
+    X(vornSstebz, sstebz, stebz, float)                 \
+    X(vornDstebz, dstebz, stebz, double)                \
+    /* Singular values */                               \
+    X(vornSgesvd, sgesvd, gesvd, float)                 \
+    X(vornDgesvd, dgesvd, gesvd, double)                \
+    X(vornCgesvd, cgesvd, gesvd, vornFloatComplex)      \
+    X(vornZgesvd, zgesvd, gesvd, vornDoubleComplex)     \
+    X(vornSgesdd, sgesdd, gesdd, float)                 \
+    X(vornDgesdd, dgesdd, gesdd, double)                \
+    X(vornCgesdd, cgesdd, gesdd, vornFloatComplex)      \
+    X(vornZgesdd, zgesdd, gesdd, vornDoubleComplex)     \
+    X(vornSbdsqr, sbdsqr, bdsqr, float)                 \
+    X(vornDbdsqr, dbdsqr, bdsqr, double)                \
+    X(vornCbdsqr, cbdsqr, bdsqr, vornFloatComplex)      \
+    X(vornZbdsqr, zbdsqr, bdsqr, vornDoubleComplex)
 
 // Expansions of a parameter list: "int m, int n, float* a", "m, n, a".
 #define VORN_GPU_DECLARE(type, name) type name

@@ -215,6 +215,53 @@ VORN_API int vornDormrq(char side, char trans, int m, int n, int k, const double
 VORN_API int vornCunmrq(char side, char trans, int m, int n, int k, const vornFloatComplex* a, int lda, const vornFloatComplex* tau, vornFloatComplex* c, int ldc);
 VORN_API int vornZunmrq(char side, char trans, int m, int n, int k, const vornDoubleComplex* a, int lda, const vornDoubleComplex* tau, vornDoubleComplex* c, int ldc);
 
+/* Reductions and eigenvalues. syevx and heevx get the caller's work; m and nsplit
+ * are outputs, given as pointers. */
+VORN_API int vornSgehrd(int n, int ilo, int ihi, float* a, int lda, float* tau);
+VORN_API int vornDgehrd(int n, int ilo, int ihi, double* a, int lda, double* tau);
+VORN_API int vornCgehrd(int n, int ilo, int ihi, vornFloatComplex* a, int lda, vornFloatComplex* tau);
+VORN_API int vornZgehrd(int n, int ilo, int ihi, vornDoubleComplex* a, int lda, vornDoubleComplex* tau);
+VORN_API int vornSgebrd(int m, int n, float* a, int lda, float* d, float* e, float* tauq, float* taup);
+VORN_API int vornDgebrd(int m, int n, double* a, int lda, double* d, double* e, double* tauq, double* taup);
+VORN_API int vornCgebrd(int m, int n, vornFloatComplex* a, int lda, float* d, float* e, vornFloatComplex* tauq, vornFloatComplex* taup);
+VORN_API int vornZgebrd(int m, int n, vornDoubleComplex* a, int lda, double* d, double* e, vornDoubleComplex* tauq, vornDoubleComplex* taup);
+VORN_API int vornSgeev(char jobvl, char jobvr, int n, float* a, int lda, float* wr, float* wi, float* vl, int ldvl, float* vr, int ldvr);
+VORN_API int vornDgeev(char jobvl, char jobvr, int n, double* a, int lda, double* wr, double* wi, double* vl, int ldvl, double* vr, int ldvr);
+VORN_API int vornCgeev(char jobvl, char jobvr, int n, vornFloatComplex* a, int lda, vornFloatComplex* w, vornFloatComplex* vl, int ldvl, vornFloatComplex* vr, int ldvr);
+VORN_API int vornZgeev(char jobvl, char jobvr, int n, vornDoubleComplex* a, int lda, vornDoubleComplex* w, vornDoubleComplex* vl, int ldvl, vornDoubleComplex* vr, int ldvr);
+VORN_API int vornSsyev(char jobz, char uplo, int n, float* a, int lda, float* w);
+VORN_API int vornDsyev(char jobz, char uplo, int n, double* a, int lda, double* w);
+VORN_API int vornCheev(char jobz, char uplo, int n, vornFloatComplex* a, int lda, float* w);
+VORN_API int vornZheev(char jobz, char uplo, int n, vornDoubleComplex* a, int lda, double* w);
+VORN_API int vornSsyevx(char jobz, char range, char uplo, int n, float* a, int lda, float vl, float vu, int il, int iu, float abstol, int* m, float* w, float* z, int ldz, float* work);
+VORN_API int vornDsyevx(char jobz, char range, char uplo, int n, double* a, int lda, double vl, double vu, int il, int iu, double abstol, int* m, double* w, double* z, int ldz, double* work);
+VORN_API int vornCheevx(char jobz, char range, char uplo, int n, vornFloatComplex* a, int lda, float vl, float vu, int il, int iu, float abstol, int* m, float* w, vornFloatComplex* z, int ldz, vornFloatComplex* work);
+VORN_API int vornZheevx(char jobz, char range, char uplo, int n, vornDoubleComplex* a, int lda, double vl, double vu, int il, int iu, double abstol, int* m, double* w, vornDoubleComplex* z, int ldz, vornDoubleComplex* work);
+VORN_API int vornSsygv(int itype, char jobz, char uplo, int n, float* a, int lda, float* b, int ldb, float* w);
+VORN_API int vornDsygv(int itype, char jobz, char uplo, int n, double* a, int lda, double* b, int ldb, double* w);
+VORN_API int vornChegv(int itype, char jobz, char uplo, int n, vornFloatComplex* a, int lda, vornFloatComplex* b, int ldb, float* w);
+VORN_API int vornZhegv(int itype, char jobz, char uplo, int n, vornDoubleComplex* a, int lda, vornDoubleComplex* b, int ldb, double* w);
+VORN_API int vornSsteqr(char compz, int n, float* d, float* e, float* z, int ldz);
+VORN_API int vornDsteqr(char compz, int n, double* d, double* e, double* z, int ldz);
+VORN_API int vornCsteqr(char compz, int n, float* d, float* e, vornFloatComplex* z, int ldz);
+VORN_API int vornZsteqr(char compz, int n, double* d, double* e, vornDoubleComplex* z, int ldz);
+VORN_API int vornSstebz(char range, char order, int n, float vl, float vu, int il, int iu, float abstol, const float* d, const float* e, int* m, int* nsplit, float* w, int* iblock, int* isplit);
+VORN_API int vornDstebz(char range, char order, int n, double vl, double vu, int il, int iu, double abstol, const double* d, const double* e, int* m, int* nsplit, double* w, int* iblock, int* isplit);
+
+/* Singular values */
+VORN_API int vornSgesvd(char jobu, char jobvt, int m, int n, float* a, int lda, float* s, float* u, int ldu, float* vt, int ldvt);
+VORN_API int vornDgesvd(char jobu, char jobvt, int m, int n, double* a, int lda, double* s, double* u, int ldu, double* vt, int ldvt);
+VORN_API int vornCgesvd(char jobu, char jobvt, int m, int n, vornFloatComplex* a, int lda, float* s, vornFloatComplex* u, int ldu, vornFloatComplex* vt, int ldvt);
+VORN_API int vornZgesvd(char jobu, char jobvt, int m, int n, vornDoubleComplex* a, int lda, double* s, vornDoubleComplex* u, int ldu, vornDoubleComplex* vt, int ldvt);
+VORN_API int vornSgesdd(char jobz, int m, int n, float* a, int lda, float* s, float* u, int ldu, float* vt, int ldvt);
+VORN_API int vornDgesdd(char jobz, int m, int n, double* a, int lda, double* s, double* u, int ldu, double* vt, int ldvt);
+VORN_API int vornCgesdd(char jobz, int m, int n, vornFloatComplex* a, int lda, float* s, vornFloatComplex* u, int ldu, vornFloatComplex* vt, int ldvt);
+VORN_API int vornZgesdd(char jobz, int m, int n, vornDoubleComplex* a, int lda, double* s, vornDoubleComplex* u, int ldu, vornDoubleComplex* vt, int ldvt);
+VORN_API int vornSbdsqr(char uplo, int n, int ncvt, int nru, int ncc, float* d, float* e, float* vt, int ldvt, float* u, int ldu, float* c, int ldc);
+VORN_API int vornDbdsqr(char uplo, int n, int ncvt, int nru, int ncc, double* d, double* e, double* vt, int ldvt, double* u, int ldu, double* c, int ldc);
+VORN_API int vornCbdsqr(char uplo, int n, int ncvt, int nru, int ncc, float* d, float* e, vornFloatComplex* vt, int ldvt, vornFloatComplex* u, int ldu, vornFloatComplex* c, int ldc);
+VORN_API int vornZbdsqr(char uplo, int n, int ncvt, int nru, int ncc, double* d, double* e, vornDoubleComplex* vt, int ldvt, vornDoubleComplex* u, int ldu, vornDoubleComplex* c, int ldc);
+
 #ifdef __cplusplus
 }
 #endif

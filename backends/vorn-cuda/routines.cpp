@@ -748,8 +748,8 @@ template <class T, const char* Real, const char* Complex> struct LeftToCpu {
     int compute(const Gpu&) const { return 0; }
 };
 #define VORN_CUDA_LEFT_TO_CPU(real, complex)                                                   \
-    constexpr char real##Name[] = #real, real##ComplexName[] = #complex;                       \
-    template <class T> using real##Row = LeftToCpu<T, real##Name, real##ComplexName>;
+    constexpr char real##RealName[] = #real, real##ComplexName[] = #complex;                       \
+    template <class T> using real##Row = LeftToCpu<T, real##RealName, real##ComplexName>;
 // The banded Cholesky factorisation; the QL, RQ and LQ factorisations, the QR
 // factorisation with a non-negative diagonal, and the generation and products of
 // their factors; the generalised factorisations and least squares; the factor of
@@ -759,6 +759,11 @@ VORN_CUDA_LEFT_TO_CPU(gelqf, gelqf) VORN_CUDA_LEFT_TO_CPU(geqrfp, geqrfp) VORN_C
 VORN_CUDA_LEFT_TO_CPU(ggrqf, ggrqf) VORN_CUDA_LEFT_TO_CPU(orghr, unghr) VORN_CUDA_LEFT_TO_CPU(orglq, unglq)
 VORN_CUDA_LEFT_TO_CPU(orgql, ungql) VORN_CUDA_LEFT_TO_CPU(orgrq, ungrq) VORN_CUDA_LEFT_TO_CPU(ormlq, unmlq)
 VORN_CUDA_LEFT_TO_CPU(ormql, unmql) VORN_CUDA_LEFT_TO_CPU(ormrq, unmrq)
+VORN_CUDA_LEFT_TO_CPU(gehrd, gehrd) VORN_CUDA_LEFT_TO_CPU(gebrd, gebrd) VORN_CUDA_LEFT_TO_CPU(geev, geev)
+VORN_CUDA_LEFT_TO_CPU(geevComplex, geev) VORN_CUDA_LEFT_TO_CPU(syev, heev) VORN_CUDA_LEFT_TO_CPU(heev, heev)
+VORN_CUDA_LEFT_TO_CPU(syevx, heevx) VORN_CUDA_LEFT_TO_CPU(heevx, heevx) VORN_CUDA_LEFT_TO_CPU(sygv, hegv)
+VORN_CUDA_LEFT_TO_CPU(hegv, hegv) VORN_CUDA_LEFT_TO_CPU(steqr, steqr) VORN_CUDA_LEFT_TO_CPU(stebz, stebz)
+VORN_CUDA_LEFT_TO_CPU(gesvd, gesvd) VORN_CUDA_LEFT_TO_CPU(gesdd, gesdd) VORN_CUDA_LEFT_TO_CPU(bdsqr, bdsqr)
 
 // The row each root of the GPU function list runs, over the element type.
 namespace rowOf {
@@ -804,6 +809,21 @@ template <class T> using trmm = Trxm<T, false>;
 template <class T> using trsm = Trxm<T, true>;
 template <class T> using symv = Symv<T, false>;
 template <class T> using hemv = Symv<T, true>;
+template <class T> using gehrd = gehrdRow<T>;
+template <class T> using gebrd = gebrdRow<T>;
+template <class T> using geev = geevRow<T>;
+template <class T> using geevComplex = geevComplexRow<T>;
+template <class T> using syev = syevRow<T>;
+template <class T> using heev = heevRow<T>;
+template <class T> using syevx = syevxRow<T>;
+template <class T> using heevx = heevxRow<T>;
+template <class T> using sygv = sygvRow<T>;
+template <class T> using hegv = hegvRow<T>;
+template <class T> using steqr = steqrRow<T>;
+template <class T> using stebz = stebzRow<T>;
+template <class T> using gesvd = gesvdRow<T>;
+template <class T> using gesdd = gesddRow<T>;
+template <class T> using bdsqr = bdsqrRow<T>;
 }  // namespace rowOf
 
 }  // namespace

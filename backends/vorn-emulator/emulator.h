@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <string_view>
 #include <limits>
 #include <type_traits>
 #include <utility>
@@ -147,33 +148,79 @@ long long integerArgumentSum(Args... args) {
     return sum;
 }
 
-// A routine whose CPU routine takes work and lwork before info, which the GPU
-// interface leaves out (getri, the orthogonal factorisations and factors): the
-// emulator asks the CPU routine for the optimal size and brings its own. It
-// brings at least the sum of the integer arguments, which holds every such
-// routine's smallest accepted lwork (n for getri, max(1, n) for geqlf,
-// m + n + p for gglse, ...): some CPU routines answer a query below their own
-// minimum where a dimension is 0 (OpenBLAS 0.3.21's geqlf with m = 0 answers 1
-// and then wants n, its cunmlq with k = 0 the same), and would refuse the call.
-template <FixedString Routine, class T, class... Args>
-int emulateWithWorkspace(const char* gpuName, Args... args) {
+// Calls a CPU routine with Count words.
+template <std::size_t... I>
+void emulatorCallWords(void* function, void* const* words, std::index_sequence<I...>) {
+    using Function = void (*)(decltype((void)I, (void*)nullptr)...);
+    reinterpret_cast<Function>(function)(words[I]...);
+}
+
+// A routine whose CPU routine takes arguments that the GPU interface leaves out,
+// between the GPU function's arguments and info. Tail names them, in order:
+//   W  work of the element type, then lwork: the emulator asks the CPU routine
+//      for the optimal size (lwork = -1) and brings its own. It brings at least
+//      the sum of the integer arguments, which holds every such routine's
+//      smallest accepted lwork (n for getri, max(1, n) for geqlf, m + n + p for
+//      gglse, ...): some CPU routines answer a query below their own minimum
+//      where a dimension is 0 (OpenBLAS 0.3.21's geqlf with m = 0 answers 1 and
+//      then wants n, its cunmlq with k = 0 the same), and would refuse the call.
+//   r  a real array of 8N elements (rwork of heev or gesvd, work of steqr...);
+//   R  a real array of 5N^2 + 8N elements (rwork of cgesdd and zgesdd);
+//   i  an integer array of 8N elements (iwork, ifail);
+// where N is the largest integer argument of the call, at least 1. A leading -
+// says that the GPU function's last argument (the caller's work of syevx and
+// heevx, whose size the emulator does not know) is not passed on.
+template <FixedString Routine, class T, FixedString Tail, class... Args>
+int emulateWithTail(const char* gpuName, Args... args) {
     int status;
     if (emulatorAnswersEarly<Routine>(status, gpuName, args...)) return status;
     void* function = emulatorCpuFunction(Routine.c_str());
     if (function == nullptr) return VORN_STATUS_NOT_AVAILABLE;
-    using Function = void (*)(decltype((void)args, (void*)nullptr)..., T*, int*, int*);
-    auto call = [&](T* work, int lwork) {
-        int info = 0;
-        reinterpret_cast<Function>(function)(emulatorAddress(args)..., work, &lwork, &info);
-        return info;
+
+    constexpr std::string_view tail = Tail.c_str();
+    constexpr std::size_t dropped = tail.starts_with('-') ? 1 : 0, withWork = tail.find('W') != tail.npos ? 1 : 0;
+    constexpr std::size_t count = sizeof...(Args) - dropped + tail.size() - dropped + withWork + 1;
+    void* const given[] = {emulatorAddress(args)...};
+    void* words[count];
+    std::size_t next = 0;
+    for (; next < sizeof...(Args) - dropped; ++next) words[next] = given[next];
+
+    long long largest = 1;
+    auto consider = [&](auto value) {
+        if constexpr (std::is_same_v<decltype(value), int>) largest = std::max<long long>(largest, value);
     };
-    // A query with an illegal argument is the answer: the CPU routine has
-    // reported it (through its xerbla) once, and the call would again.
+    (consider(args), ...);
+    using Real = decltype(realPart(T{}));  // double: ample for float arrays too
+    std::vector<std::vector<Real>> arrays;
+    arrays.reserve(tail.size());
+    std::size_t workWord = 0;
     T size{};
-    if (const int info = call(&size, -1); info != 0) return emulatorAnswer(info);
-    const long long length = std::max({1LL, static_cast<long long>(realPart(size)), integerArgumentSum(args...)});
-    std::vector<T> work(static_cast<std::size_t>(std::min<long long>(length, std::numeric_limits<int>::max())));
-    return emulatorAnswer(call(work.data(), static_cast<int>(work.size())));
+    int lwork = -1, info = 0;
+    for (char item : tail.substr(dropped)) {
+        if (item == 'W') {
+            workWord = next;
+            words[next++] = &size;
+            words[next++] = &lwork;
+            continue;
+        }
+        const long long elements = item == 'R' ? 5 * largest * largest + 8 * largest : 8 * largest;
+        words[next++] = arrays.emplace_back(static_cast<std::size_t>(elements)).data();
+    }
+    words[next] = &info;
+    auto call = [&] { emulatorCallWords(function, words, std::make_index_sequence<count>{}); };
+    std::vector<T> work;
+    if constexpr (withWork != 0) {
+        // A query with an illegal argument is the answer: the CPU routine has
+        // reported it (through its xerbla) once, and the call would again.
+        call();
+        if (info != 0) return emulatorAnswer(info);
+        const long long length = std::max({1LL, static_cast<long long>(realPart(size)), integerArgumentSum(args...)});
+        work.resize(static_cast<std::size_t>(std::min<long long>(length, std::numeric_limits<int>::max())));
+        words[workWord] = work.data();
+        lwork = static_cast<int>(work.size());
+    }
+    call();
+    return emulatorAnswer(info);
 }
 
 // dsgesv and zcgesv: the single-precision workspace (and zcgesv's rwork) and

@@ -40,6 +40,8 @@
 #include "routines/routed/multiply_rank_update_rows.h"
 #include "routines/routed/orthogonal_factorisations_rows.h"
 #include "routines/routed/orthogonal_factors_rows.h"
+#include "routines/routed/reductions_eigenvalues_rows.h"
+#include "routines/routed/singular_values_rows.h"
 
 namespace {
 
