@@ -24,6 +24,7 @@
 #include <dlfcn.h>
 #include <iterator>
 #include <sstream>
+#include <tuple>
 
 #include "core/platform.h"
 #include "link_test.h"
@@ -458,6 +459,33 @@ TEST(RoutedCrossovers, EntryLineGpuArgumentsAndCrossover) {
                 logSeen = lines.size();
                 recordSeen = recorded.size();
             }
+}
+
+// A scaled crossover is a wrapping 32-bit product: an entry of 2147483647 counts
+// as -2 for jobz V and as -10 for compz N, so that any n is over it, while jobz N
+// and compz I hold n against the entry itself.
+TEST(RoutedCrossovers, ScaledCrossoversWrap) {
+    if (tolerant) GTEST_SKIP() << "needs the emulator's forced statuses";
+    const std::string log = useLogFile(), list = tempPath("crossovers.txt");
+    writeFile(list, "ssyev=2147483647\nssteqr=2147483647\n");
+    setEnv("VORN_CROSSOVER_LIST", list);
+    setEnv("VORN_CPU_LIB", "libvorn-no-such-library.so");
+    setEnv("VORN_EMU_STATUS", "ssyev=8:0,ssteqr=8:0");
+    const std::tuple<const char*, const char*, bool> calls[] = {
+        {"ssyev", "VU", true}, {"ssyev", "NU", false}, {"ssteqr", "n", true}, {"ssteqr", "I", false}};
+    for (auto [base, characters, gpu] : calls) {
+        SCOPED_TRACE(std::string(base) + " " + characters);
+        RootRow row = *std::find_if(rows.begin(), rows.end(), [&](const RootRow& r) {
+            return std::string(r.bases).starts_with(base);
+        });
+        row.characters = characters;
+        Call call = buildCall(row, base, row.integers);
+        callWith(linkRoutine(base), call);
+        const auto lines = readLines(log);
+        EXPECT_NE(std::find(lines.end() - 3, lines.end(), gpu ? "vorn info:  issuing to GPU (over threshold)"
+                                                              : "vorn info:  issuing to CPU (under threshold)"),
+                  lines.end());
+    }
 }
 
 // The packing kinds that only CPU-only routines have, through the forwarded frame
