@@ -29,8 +29,17 @@
 # INFO of every call). It prints fewer where the GPU function has no lwork: the
 # error-exit tests' illegal lwork never reaches the CPU routine.
 #
-# In the GPU-always run two pairs are allowed to do worse, and are printed as
-# allowed with their cause: xlintstds < dstest.in and xlintstzc < zctest.in.
+# One pair of the 32-bit programs is known to do worse by one check, in the
+# linked and in the GPU-always run alike: xeigtsts < svd.in. SGEBRD runs in the
+# isolated OpenBLAS, which answers ILAENV itself, so where the program asks for
+# blocked reduction (NB = 3, NX = 5) it reduces unblocked; the bidiagonal matrix
+# differs in rounding, and for one matrix with clustered singular values
+# (M = N = 30, type 10) SBDSQR's singular values with and without vectors differ
+# by a ratio of 52.27 against the threshold of 50. It is printed as known.
+#
+# In the GPU-always run three pairs are allowed to do worse, and are printed as
+# allowed with their cause: xeigtsts < svd.in (above), xlintstds < dstest.in and
+# xlintstzc < zctest.in.
 # On a GPU pass DSGESV and ZCGESV give ITER no value (their GPU functions have
 # no such argument, and the link library leaves ITER as the caller set it),
 # while DDRVAB and ZDRVAB read ITER to learn whether the solver fell back to
@@ -237,6 +246,7 @@ export out programs programs32 gfortran_library link_library gpu_folder ilp64 li
 #    The CS decomposition tests (xCSDTS, through xORCSD2BY1/xUNCSD2BY1) hang in
 #    it.
 declare -A known=() not_run=()
+block_sizes="SGEBRD runs in the isolated OpenBLAS, which answers ILAENV itself: where the program's own ILAENV asks for NB = 3, NX = 5 it reduces unblocked, and for the matrix that parameter set reaches (M = N = 30, type 10, clustered singular values) SBDSQR's values with and without vectors then differ by a test 9 ratio of 52.27 against a threshold of 50"
 if ((ilp64)); then
   for p in s d c z; do
     case $p in s|d) two="${p^^}SYTRS2 and ${p^^}SYTRI2" ;; *) two="${p^^}SYTRS2, ${p^^}SYTRI2, ${p^^}HETRS2 and ${p^^}HETRI2" ;; esac
@@ -249,6 +259,8 @@ if ((ilp64)); then
     known["xlintst$1 ${1}test.in"]="ITER < 0 of $2 and $3 comes back zero-extended (-3 reads as 4294967293): the test takes the double-precision fall-back for a refinement that worked and checks it against the tighter bound"
   done
   known["xeigtstz zec.in"]="OpenBLAS's ZDOTU with INCX > 1 reads one element past X; ZTRSYL, called by ZSYL01 with M = 185, reads past A(185,185) at the end of the 64-bit program's data"
+else
+  known["xeigtsts svd.in"]="$block_sizes"
 fi
 
 # Pairs of the GPU-always run allowed to do worse, with the cause (see the top):
@@ -259,6 +271,7 @@ if ((!ilp64)); then
     set -- $pair
     gpu_allowed["xlintst$1 ${1}test.in"]="$2 on the GPU gives ITER no value, and $3, reading an ITER never set, checks the residual of a double-precision fall-back with the LU factors in place of A"
   done
+  gpu_allowed["xeigtsts svd.in"]="$block_sizes"
 fi
 
 # Its arguments joined with ", ".
