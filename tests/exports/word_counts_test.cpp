@@ -127,4 +127,20 @@ TEST(WordCounts, TablesAgreeWithThePublishedPrototypes) {
     EXPECT_EQ(ours.size() - covered.size(), 474u) << "routines that neither header declares";
 }
 
+// The routed routines by frame class as the design counts them: 34 without info
+// (A), 56 with info alone (B), 108 with a work query (C), whose queries write one
+// line in 92 routines, two in 12 and three in 4.
+TEST(WordCounts, RoutedClassesAndWorkLinesAsTheDesignCounts) {
+    std::map<std::string, int> counts;
+#define ROUTED(base, Root, count, gpuFunction)                                                                  \
+    {                                                                                                           \
+        RoutineFacts facts;                                                                                     \
+        addRouted<Root>(facts, count);                                                                          \
+        ++counts[!facts.info ? "A" : facts.tested.empty() ? "B" : "C" + std::to_string(facts.lines.size())];   \
+    }
+#include "routines/routed/routed_routines.inc"
+#undef ROUTED
+    EXPECT_EQ(counts, (std::map<std::string, int>{{"A", 34}, {"B", 56}, {"C1", 92}, {"C2", 12}, {"C3", 4}}));
+}
+
 }  // namespace

@@ -24,6 +24,7 @@
 #include <dlfcn.h>
 #include <iterator>
 #include <sstream>
+#include <tuple>
 
 #include "core/platform.h"
 #include "link_test.h"
@@ -32,11 +33,14 @@ namespace {
 
 // Word kinds: c character, i integer, S the precision's scalar (real in s and d,
 // complex in c and z), R the precision's real scalar, p an array of the
-// precision's type, I an integer array, f a float array, F a single complex
-// array, d a double array, D a double complex array, w lwork, o info.
+// precision's type, r an array of its real type, I an integer array (or an
+// integer output such as m), f a float array, F a single complex array, d a
+// double array, D a double complex array, w lwork, o info.
 // An upper-case X before a kind marks a word that never reaches the GPU library;
-// a W marks workspace whose contents a GPU library need not reproduce; a Z marks
-// an array of zeros (a matrix that is not positive definite, or singular).
+// a W marks workspace whose contents only a CPU routine called by a 32-bit
+// caller must reproduce (syevx's work, which the GPU library gets but need not
+// write; its iwork, which a 64-bit caller sees in 32-bit form); a Z marks an
+// array of zeros (a matrix that is not positive definite, or singular).
 // The measure is the product of the integers at measureWords (one alone: that
 // integer), wrapping at 32 bits, or in double for Measure::wide; for Measure::sum
 // their sum.
@@ -50,7 +54,11 @@ struct RootRow {
     Measure measure;
     std::vector<int> measureWords;  // positions in `integers` of the measure's operands
     int crossover;
-    std::vector<int> treated = {};  // of each integer array (I), the elements a 64-bit caller gets back
+    // Of each integer array (I), the elements a 64-bit caller gets back zero-extended.
+    std::vector<int> treated = {};
+    // Lines a work query writes: work's first element, then that of each array
+    // that follows lwork and never reaches the GPU library (rwork, iwork), in order.
+    int queryLines = 1;
 };
 
 // Small problems: every dimension at most 6, every leading dimension 8 (pbtrf's
@@ -98,6 +106,28 @@ const std::vector<RootRow> rows = {
     {"sormqr dormqr cunmqr zunmqr sormlq dormlq cunmlq zunmlq sormql dormql cunmql zunmql "
      "sormrq dormrq cunmrq zunmrq",
      "cciiipippiXpXwo", "LN", {6, 5, 4, 8, 8}, Measure::product, {0, 1}, 1048576},
+    // The eigenvalue drivers' crossovers count twice for jobz V (v too), steqr's
+    // ten times for compz N: the rows give the scaled value.
+    {"sgehrd dgehrd cgehrd zgehrd", "iiipipXpXwo", "", {6, 1, 6, 8}, Measure::product, {0}, 1024},
+    {"sgebrd dgebrd cgebrd zgebrd", "iipirrppXpXwo", "", {6, 5, 8}, Measure::product, {0, 1}, 1048576},
+    {"sgeev dgeev", "ccipipppipiXpXwo", "VV", {6, 8, 8, 8}, Measure::product, {0}, 1024},
+    {"cgeev zgeev", "ccipippipiXpXwXro", "VN", {6, 8, 8, 8}, Measure::product, {0}, 1024, {}, 2},
+    {"ssyev dsyev", "ccipirXpXwo", "vU", {6, 8}, Measure::product, {0}, 1024},
+    {"cheev zheev", "ccipirXpXwXro", "NL", {6, 8}, Measure::product, {0}, 512, {}, 2},
+    {"ssyevx dsyevx", "cccipiRRiiRIrpiWpXwXWIXIo", "VAU", {6, 8, 1, 6, 8}, Measure::product, {0}, 1024,
+     {1, 0, 6}, 2},
+    {"cheevx zheevx", "cccipiRRiiRIrpiWpXwXrXIXIo", "VIL", {6, 8, 2, 5, 8}, Measure::product, {0}, 1024,
+     {1, 30, 6}, 3},
+    {"ssygv dsygv", "iccipipirXpXwo", "VU", {1, 6, 8, 8}, Measure::product, {1}, 1024},
+    {"chegv zhegv", "iccipiZpirXpXwXro", "NL", {2, 6, 8, 8}, Measure::product, {1}, 512, {}, 2},  // B not positive definite
+    {"ssteqr dsteqr csteqr zsteqr", "cirrpiXro", "I", {6, 8}, Measure::product, {0}, 512},
+    {"ssteqr dsteqr csteqr zsteqr", "cirrpiXro", "n", {6, 8}, Measure::product, {0}, 5120},
+    {"sstebz dstebz", "cciRRiiRrrIIrIIXrXWIo", "AE", {6, 1, 6}, Measure::product, {0}, 256, {1, 1, 6, 6, 0}},
+    {"sgesvd dgesvd", "cciipirpipiXpXwo", "AS", {6, 5, 8, 8, 8}, Measure::product, {0, 1}, 1048576},
+    {"cgesvd zgesvd", "cciipirpipiXpXwXro", "OA", {6, 5, 8, 8, 8}, Measure::product, {0, 1}, 1048576, {}, 2},
+    {"sgesdd dgesdd", "ciipirpipiXpXwXIo", "A", {5, 4, 8, 8, 8}, Measure::product, {0, 1}, 1048576, {32}, 2},
+    {"cgesdd zgesdd", "ciipirpipiXpXwXrXIo", "S", {5, 4, 8, 8, 8}, Measure::product, {0, 1}, 1048576, {32}, 3},
+    {"sbdsqr dbdsqr cbdsqr zbdsqr", "ciiiirrpipipiXro", "U", {6, 6, 6, 0, 8, 8, 8}, Measure::product, {0}, 1024},
 };
 
 // The logged CPU-only routines whose results matter, held on their one side:
@@ -150,7 +180,7 @@ constexpr int64_t infoBefore = 0x7777777777777777;
 // wide call has 64-bit integers, as an ILP64 caller passes them; lwork is -1 in a
 // work query.
 Call buildCall(const RootRow& row, const std::string& base, const std::vector<int>& integers, bool wide = false,
-               int lwork = 64) {
+               int lwork = 128) {
     auto appendInteger = [wide](std::vector<unsigned char>& bytes, int value) {
         append(bytes, value);
         if (wide) append(bytes, highHalf);
@@ -163,9 +193,14 @@ Call buildCall(const RootRow& row, const std::string& base, const std::vector<in
     Call call;
     std::string logged, recorded;
     for (const char* kind = row.kinds; *kind != '\0'; ++kind) {
-        Word& word = call.words.emplace_back(Word{{}, *kind == 'X', *kind == 'W'});
-        const bool zeros = *kind == 'Z';
-        if (word.hostOnly || word.workspace || zeros) ++kind;
+        Word& word = call.words.emplace_back(Word{{}, false, false});
+        bool zeros = false;
+        for (;; ++kind) {
+            if (*kind == 'X') word.hostOnly = true;
+            else if (*kind == 'W') word.workspace = true;
+            else if (*kind == 'Z') zeros = true;
+            else break;
+        }
         word.kind = *kind;
         // The size of the word's reals: by its kind for f, F, d and D, else by the
         // routine's first letter (dsgesv and zcgesv too).
@@ -192,7 +227,7 @@ Call buildCall(const RootRow& row, const std::string& base, const std::vector<in
             continue;
         } else {  // arrays of 8 x 16 elements: pivots valid for every problem here, else random
                   // values with a strong diagonal for leading dimension 8
-            const int parts = *kind == 'F' || *kind == 'D' || (*kind == 'p' && complex) ? 2 : 1;
+            const int parts = *kind == 'F' || *kind == 'D' || (*kind == 'p' && complex) ? 2 : 1;  // r: 1
             word.real = *kind == 'I' ? 0 : real;
             for (int j = 0; j < 8 * 16; ++j)
                 for (int part = 0; part < parts; ++part) {
@@ -217,7 +252,7 @@ void callWords(void* function, Call& call, std::index_sequence<I...>) {
     using Function = void (*)(decltype((void)I, static_cast<void*>(nullptr))...);
     reinterpret_cast<Function>(function)((I < call.words.size() ? call.words[I].bytes.data() : nullptr)...);
 }
-void callWith(void* function, Call& call) { callWords(function, call, std::make_index_sequence<17>{}); }
+void callWith(void* function, Call& call) { callWords(function, call, std::make_index_sequence<21>{}); }
 
 void* linkRoutine(const std::string& base) { return dlsym(RTLD_DEFAULT, (base + "_").c_str()); }
 
@@ -336,7 +371,7 @@ TEST_P(RoutedFamilies, EverySideGivesOpenBlasResults) {
         for (const std::string& base : basesOf(row)) {
             SCOPED_TRACE(base);
             for (const std::string& side : sides) {
-                const int lwork = side == "query" ? -1 : 64;
+                const int lwork = side == "query" ? -1 : 128;
                 Call reference = buildCall(row, base, row.integers, false, lwork);
                 callWith(referenceRoutine(base), reference);
                 const Call expected = wide ? expectedWide(row, base, reference, lwork) : reference;
@@ -353,25 +388,35 @@ TEST_P(RoutedFamilies, EverySideGivesOpenBlasResults) {
                     const Word& word = call.words[w];
                     // Words that never reach the GPU library (workspace, iter) are
                     // the CPU routine's business only.
+                    if ((side == "GPU" || wide) && word.workspace) continue;
                     if (side == "GPU" && word.hostOnly) continue;
                     if (side == "GPU" && tolerant) {
-                        if (!word.workspace) expectWithinBound(word, expected.words[w]);
+                        expectWithinBound(word, expected.words[w]);
                     } else {
                         EXPECT_EQ(word.bytes, expected.words[w].bytes);
                     }
                 }
                 if (side == "query" && !log.empty()) {
-                    // work, the word before lwork: its first element as OpenBLAS's query left it.
-                    const Word& work = reference.words[lworkKind - row.kinds - std::count(row.kinds, lworkKind, 'X') - 1];
-                    double first = 0;
-                    if (work.real == 8) std::memcpy(&first, work.bytes.data(), 8);
-                    else first = *reinterpret_cast<const float*>(work.bytes.data());
+                    // The first element of work (the word before lwork) and of the
+                    // arrays after lwork, as OpenBLAS's query left them.
+                    const std::size_t lworkWord =
+                        std::count_if(row.kinds, lworkKind, [](char c) { return !std::strchr("XWZ", c); });
+                    std::vector<std::string> expectedLines = {"vorn info:  issuing to CPU (work query)"};
+                    for (std::size_t w = lworkWord - 1; int(expectedLines.size()) <= row.queryLines; ++w) {
+                        const Word* array = &reference.words[w];
+                        if (w > lworkWord - 1 && (array->kind == 'w' || !array->hostOnly)) continue;
+                        double first = 0;
+                        int32_t integer = 0;
+                        std::memcpy(&integer, array->bytes.data(), 4);
+                        if (array->real == 8) std::memcpy(&first, array->bytes.data(), 8);
+                        else first = *reinterpret_cast<const float*>(array->bytes.data());
+                        const int32_t shown = array->real == 0 ? integer : int32_t(first);
+                        expectedLines.push_back("vorn info:  work query returned " + std::to_string(shown));
+                    }
+                    expectedLines.push_back("vorn info:  done");
                     const auto lines = readLines(log);
-                    ASSERT_GE(lines.size(), 3u);
-                    EXPECT_EQ(std::vector(lines.end() - 3, lines.end()),
-                              (std::vector<std::string>{"vorn info:  issuing to CPU (work query)",
-                                                        "vorn info:  work query returned " + std::to_string(int(first)),
-                                                        "vorn info:  done"}));
+                    ASSERT_GE(lines.size(), expectedLines.size());
+                    EXPECT_EQ(std::vector(lines.end() - expectedLines.size(), lines.end()), expectedLines);
                 }
             }
         }
@@ -414,6 +459,33 @@ TEST(RoutedCrossovers, EntryLineGpuArgumentsAndCrossover) {
                 logSeen = lines.size();
                 recordSeen = recorded.size();
             }
+}
+
+// A scaled crossover is a wrapping 32-bit product: an entry of 2147483647 counts
+// as -2 for jobz V and as -10 for compz N, so that any n is over it, while jobz N
+// and compz I hold n against the entry itself.
+TEST(RoutedCrossovers, ScaledCrossoversWrap) {
+    if (tolerant) GTEST_SKIP() << "needs the emulator's forced statuses";
+    const std::string log = useLogFile(), list = tempPath("crossovers.txt");
+    writeFile(list, "ssyev=2147483647\nssteqr=2147483647\n");
+    setEnv("VORN_CROSSOVER_LIST", list);
+    setEnv("VORN_CPU_LIB", "libvorn-no-such-library.so");
+    setEnv("VORN_EMU_STATUS", "ssyev=8:0,ssteqr=8:0");
+    const std::tuple<const char*, const char*, bool> calls[] = {
+        {"ssyev", "VU", true}, {"ssyev", "NU", false}, {"ssteqr", "n", true}, {"ssteqr", "I", false}};
+    for (auto [base, characters, gpu] : calls) {
+        SCOPED_TRACE(std::string(base) + " " + characters);
+        RootRow row = *std::find_if(rows.begin(), rows.end(), [&](const RootRow& r) {
+            return std::string(r.bases).starts_with(base);
+        });
+        row.characters = characters;
+        Call call = buildCall(row, base, row.integers);
+        callWith(linkRoutine(base), call);
+        const auto lines = readLines(log);
+        EXPECT_NE(std::find(lines.end() - 3, lines.end(), gpu ? "vorn info:  issuing to GPU (over threshold)"
+                                                              : "vorn info:  issuing to CPU (under threshold)"),
+                  lines.end());
+    }
 }
 
 // The packing kinds that only CPU-only routines have, through the forwarded frame
