@@ -769,7 +769,7 @@ inline cusolverEigMode_t eigenMode(char jobz) {
 // syev, heev through the divide and conquer solver: eigenvalues ascending in w
 // and, with jobz 'V', orthonormal eigenvectors in a; info > 0 when the
 // tridiagonal iteration does not converge. With jobz 'N' LAPACK leaves a
-// destroyed: it stays as the caller gave it. A Hermitian diagonal is read as real.
+// destroyed: it gets what cuSOLVER left there. A Hermitian diagonal is read as real.
 template <class T> struct Syev {
     using Type = T; static constexpr const char* root = isComplex<T> ? "heev" : "syev";
     using Real = typename Library<T>::Real;
@@ -794,7 +794,6 @@ template <class T> struct Syev {
         if (int status = lwork(g.context, elements)) return status;
         if constexpr (isComplex<T>)
             if (int status = g.realDiagonal<T>(0, n)) return status;
-        if (upper(jobz) == 'N') g.unchanged(0);
         return g.solver(Library<T>::syevd(g.context.solver, eigenMode(jobz), fill(uplo), n, g.at<T>(0), g.ld(0),
                                           g.at<Real>(1), g.work<T>(), elements, g.info), "syevd");
     }
@@ -804,7 +803,8 @@ template <class T> struct Syev {
 // positive definite, info = n + i and LAPACK leaves the factor of B's leading
 // minor in b and a untouched; b goes back, a and w do not (for the rare info <=
 // n, non-convergence, LAPACK leaves a and w partly computed: they stay as the
-// caller gave them). With jobz 'N' a is destroyed in LAPACK: it stays.
+// caller gave them). With jobz 'N' a is destroyed in LAPACK: it gets what
+// cuSOLVER left there.
 template <class T> struct Sygv {
     using Type = T; static constexpr const char* root = isComplex<T> ? "hegv" : "sygv";
     using Real = typename Library<T>::Real;
@@ -828,7 +828,6 @@ template <class T> struct Sygv {
         if constexpr (isComplex<T>)
             for (int i : {0, 1})
                 if (int status = g.realDiagonal<T>(i, n)) return status;
-        if (upper(jobz) == 'N') g.unchanged(0);
         return g.solver(Library<T>::sygvd(g.context.solver, type(), eigenMode(jobz), fill(uplo), n, g.at<T>(0), g.ld(0),
                                           g.at<T>(1), g.ld(1), g.at<Real>(2), g.work<T>(), elements, g.info), "sygvd");
     }
@@ -838,7 +837,8 @@ template <class T> struct Sygv {
 // whose left vectors are A's right ones and the other way round, and the results
 // are conjugate-transposed into u and vt. jobu or jobvt 'O' (the vectors over a)
 // with m < n is left to the CPU library. Without 'O' LAPACK leaves a destroyed:
-// it stays as the caller gave it. info > 0: superdiagonals of the bidiagonal
+// it gets what cuSOLVER left there, or, with m < n, stays as the caller gave it
+// (A^H is worked on in scratch). info > 0: superdiagonals of the bidiagonal
 // form that did not converge; LAPACK leaves what it computed, and so does this.
 template <class T> struct Gesvd {
     using Type = T; static constexpr const char* root = "gesvd";
@@ -901,7 +901,6 @@ template <class T> struct Gesvd {
         auto* rwork = reinterpret_cast<Real*>(g.scratch + l.rwork);
         const int ldU = std::max(g.ld(2), m), ldVt = std::max(g.ld(3), n);
         if (!transposed()) {
-            if (!is(jobu, 'O') && !is(jobvt, 'O')) g.unchanged(0);
             return g.solver(Library<T>::gesvd(g.context.solver, upper(jobu), upper(jobvt), m, n, g.at<T>(0), g.ld(0),
                                               g.at<Real>(1), g.at<T>(2), ldU, g.at<T>(3), ldVt, work, l.lwork, rwork,
                                               g.info), "gesvd");
