@@ -1,5 +1,7 @@
 // GPU benchmark: dgemm, zgemm, dgetrf, dgesv and dtrsm at n = 256 ... 16384,
-// and dpotrf, dgeqrf and dormqr (Q^T C, C square) at n = 4096, each timed
+// dpotrf, dgeqrf and dormqr (Q^T C, C square) at n = 4096, and dsyev (jobz 'V'),
+// dgesvd (jobu = jobvt = 'S') and dgesdd (jobz 'S') at n = 2048, 4096, 8192
+// (cuSOLVER has no gesdd: the CUDA library leaves it to the CPU), each timed
 //   link     through the link library over the CUDA GPU library (VORN_GPU_ALWAYS=1,
 //            so every call goes to the GPU), host arrays in and out;
 //   openblas OpenBLAS on all cores, the same call;
@@ -9,7 +11,7 @@
 // it and turns the CSV into a table with the break-even size of each routine.
 // Without a GPU it says so and measures nothing.
 //
-//   gpu_bench run LINK_LIBRARY OUT.csv [BUDGET_SECONDS]
+//   [GPU_BENCH_ROUTINES=dsyev,dgesvd,...] gpu_bench run LINK_LIBRARY OUT.csv [BUDGET_SECONDS]
 //   gpu_bench nvblas OUT.csv [BUDGET_SECONDS]
 //   gpu_bench report IN.csv... > RESULTS.md
 #include <algorithm>
@@ -44,6 +46,7 @@ const Timed timed[] = {
     {"dgemm", {std::begin(sizes), std::end(sizes)}}, {"zgemm", {std::begin(sizes), std::end(sizes)}},
     {"dgetrf", {std::begin(sizes), std::end(sizes)}}, {"dgesv", {std::begin(sizes), std::end(sizes)}},
     {"dtrsm", {std::begin(sizes), std::end(sizes)}},
+    {"dsyev", {2048, 4096, 8192}}, {"dgesvd", {2048, 4096, 8192}}, {"dgesdd", {2048, 4096, 8192}},
 };
 constexpr double cpuCapSeconds = 60;   // a CPU call estimated longer than this is skipped
 constexpr double pointSeconds = 1.5;    // repetitions per point stop after about this long
@@ -60,10 +63,16 @@ using Dpotrf = void (*)(const char*, const int*, double*, const int*, int*);
 using Dgeqrf = void (*)(const int*, const int*, double*, const int*, double*, double*, const int*, int*);
 using Dormqr = void (*)(const char*, const char*, const int*, const int*, const int*, const double*, const int*,
                         const double*, double*, const int*, double*, const int*, int*);
+using Dsyev = void (*)(const char*, const char*, const int*, double*, const int*, double*, double*, const int*, int*);
+using Dgesvd = void (*)(const char*, const char*, const int*, const int*, double*, const int*, double*, double*,
+                        const int*, double*, const int*, double*, const int*, int*);
+using Dgesdd = void (*)(const char*, const int*, const int*, double*, const int*, double*, double*, const int*,
+                        double*, const int*, double*, const int*, int*, int*);
 
 // One implementation of the routines, Fortran style (link library, OpenBLAS, NVBLAS).
 struct Host {
     Dgemm dgemm; Zgemm zgemm; Dgetrf dgetrf; Dgesv dgesv; Dtrsm dtrsm; Dpotrf dpotrf; Dgeqrf dgeqrf; Dormqr dormqr;
+    Dsyev dsyev; Dgesvd dgesvd; Dgesdd dgesdd;
 };
 Host hostFrom(void* handle) {
     auto get = [&](const char* name) {
@@ -74,7 +83,9 @@ Host hostFrom(void* handle) {
     return {reinterpret_cast<Dgemm>(get("dgemm_")), reinterpret_cast<Zgemm>(get("zgemm_")),
             reinterpret_cast<Dgetrf>(get("dgetrf_")), reinterpret_cast<Dgesv>(get("dgesv_")),
             reinterpret_cast<Dtrsm>(get("dtrsm_")), reinterpret_cast<Dpotrf>(get("dpotrf_")),
-            reinterpret_cast<Dgeqrf>(get("dgeqrf_")), reinterpret_cast<Dormqr>(get("dormqr_"))};
+            reinterpret_cast<Dgeqrf>(get("dgeqrf_")), reinterpret_cast<Dormqr>(get("dormqr_")),
+            reinterpret_cast<Dsyev>(get("dsyev_")), reinterpret_cast<Dgesvd>(get("dgesvd_")),
+            reinterpret_cast<Dgesdd>(get("dgesdd_"))};
 }
 
 double flops(const std::string& routine, double n) {
@@ -85,6 +96,9 @@ double flops(const std::string& routine, double n) {
     if (routine == "dpotrf") return 1.0 / 3 * n * n * n;
     if (routine == "dgeqrf") return 4.0 / 3 * n * n * n;
     if (routine == "dormqr") return 2.0 * n * n * n;  // m = n = k
+    // Nominal counts of the decompositions with vectors (their iterations vary).
+    if (routine == "dsyev") return 9.0 * n * n * n;
+    if (routine == "dgesvd" || routine == "dgesdd") return 22.0 * n * n * n;
     return n * n * n;  // dtrsm, m = n
 }
 
@@ -95,7 +109,7 @@ struct Problem {
     int n;
     std::vector<double> a, b, c, a0, c0, tau, work;
     std::vector<Z> za, zb, zc;
-    std::vector<int> ipiv;
+    std::vector<int> ipiv, iwork;
     Problem(const std::string& routine, int size) : n(size), tau(size), ipiv(size) {
         if (routine == "dgeqrf" || routine == "dormqr") work.resize(std::size_t(size) * 256);
         const std::size_t nn = std::size_t(n) * n;
@@ -119,6 +133,23 @@ struct Problem {
         if (routine == "dgemm") fill(c, nn, 3, false);
         a0 = a;
         c0 = routine == "dgemm" ? c : b;
+        if (decomposition(routine)) c.resize(nn);  // b and c hold the vectors, tau the values
+    }
+    static bool decomposition(const std::string& routine) {
+        return routine == "dsyev" || routine == "dgesvd" || routine == "dgesdd";
+    }
+    // The decompositions' workspace, as OpenBLAS's query asks for it.
+    void query(const Host& h, const std::string& routine) {
+        double size = 1;
+        const int none = -1;
+        int info = 0;
+        iwork.resize(8 * std::size_t(n));
+        if (routine == "dsyev") h.dsyev("V", "L", &n, a.data(), &n, tau.data(), &size, &none, &info);
+        if (routine == "dgesvd")
+            h.dgesvd("S", "S", &n, &n, a.data(), &n, tau.data(), b.data(), &n, c.data(), &n, &size, &none, &info);
+        if (routine == "dgesdd")
+            h.dgesdd("S", &n, &n, a.data(), &n, tau.data(), b.data(), &n, c.data(), &n, &size, &none, iwork.data(), &info);
+        work.resize(std::size_t(size) + 1);
     }
     void factor(const Host& h) {
         const int lwork = int(work.size());
@@ -126,7 +157,9 @@ struct Problem {
         h.dgeqrf(&n, &n, a.data(), &n, tau.data(), work.data(), &lwork, &info);
     }
     void restore(const std::string& routine) {
-        if (routine == "dgetrf" || routine == "dgesv" || routine == "dpotrf" || routine == "dgeqrf") a = a0;
+        if (routine == "dgetrf" || routine == "dgesv" || routine == "dpotrf" || routine == "dgeqrf" ||
+            decomposition(routine))
+            a = a0;
         if (routine == "dgesv" || routine == "dtrsm" || routine == "dormqr") b = c0;
     }
 };
@@ -145,6 +178,13 @@ void callHost(const Host& h, const std::string& routine, Problem& p) {
     else if (routine == "dgeqrf") h.dgeqrf(&n, &n, p.a.data(), &n, p.tau.data(), p.work.data(), &lwork, &info);
     else if (routine == "dormqr")
         h.dormqr("L", "T", &n, &n, &n, p.a.data(), &n, p.tau.data(), p.b.data(), &n, p.work.data(), &lwork, &info);
+    else if (routine == "dsyev") h.dsyev("V", "L", &n, p.a.data(), &n, p.tau.data(), p.work.data(), &lwork, &info);
+    else if (routine == "dgesvd")
+        h.dgesvd("S", "S", &n, &n, p.a.data(), &n, p.tau.data(), p.b.data(), &n, p.c.data(), &n, p.work.data(), &lwork,
+                 &info);
+    else if (routine == "dgesdd")
+        h.dgesdd("S", &n, &n, p.a.data(), &n, p.tau.data(), p.b.data(), &n, p.c.data(), &n, p.work.data(), &lwork,
+                 p.iwork.data(), &info);
     else h.dtrsm("L", "L", "N", "N", &n, &n, &alpha, p.a.data(), &n, p.b.data(), &n);
 }
 
@@ -171,12 +211,15 @@ struct Device {
             cusolverDnSetStream(solver, stream);
         }
         // The largest workspace any of the routines asks for at this size.
-        int sizes[4] = {};
+        int sizes[6] = {};
         cusolverDnDgetrf_bufferSize(solver, n, n, nullptr, n, &sizes[0]);
         cusolverDnDpotrf_bufferSize(solver, CUBLAS_FILL_MODE_LOWER, n, nullptr, n, &sizes[1]);
         cusolverDnDgeqrf_bufferSize(solver, n, n, nullptr, n, &sizes[2]);
         cusolverDnDormqr_bufferSize(solver, CUBLAS_SIDE_LEFT, CUBLAS_OP_T, n, n, n, nullptr, n, nullptr, nullptr, n,
                                     &sizes[3]);
+        cusolverDnDsyevd_bufferSize(solver, CUSOLVER_EIG_MODE_VECTOR, CUBLAS_FILL_MODE_LOWER, n, nullptr, n, nullptr,
+                                    &sizes[4]);
+        cusolverDnDgesvd_bufferSize(solver, n, n, &sizes[5]);
         lwork = std::max(1, *std::max_element(std::begin(sizes), std::end(sizes)));
         ok = cudaMalloc(&a, bytes) == cudaSuccess && cudaMalloc(&b, bytes) == cudaSuccess &&
              cudaMalloc(&c, bytes) == cudaSuccess && cudaMalloc(&a0, bytes) == cudaSuccess &&
@@ -203,7 +246,8 @@ struct Device {
     }
     void restore(const std::string& routine) {
         const std::size_t bytes = std::size_t(n) * n * sizeof(double);
-        if (routine == "dgetrf" || routine == "dgesv" || routine == "dpotrf" || routine == "dgeqrf")
+        if (routine == "dgetrf" || routine == "dgesv" || routine == "dpotrf" || routine == "dgeqrf" ||
+            Problem::decomposition(routine))
             cudaMemcpyAsync(a, a0, bytes, cudaMemcpyDeviceToDevice, stream);
         if (routine == "dormqr") cudaMemcpyAsync(b, b0, bytes, cudaMemcpyDeviceToDevice, stream);
         cudaStreamSynchronize(stream);
@@ -224,6 +268,12 @@ struct Device {
         else if (routine == "dormqr")
             cusolverDnDormqr(solver, CUBLAS_SIDE_LEFT, CUBLAS_OP_T, n, n, n, A, n, static_cast<double*>(tau), B, n,
                              static_cast<double*>(work), lwork, info);
+        else if (routine == "dsyev")
+            cusolverDnDsyevd(solver, CUSOLVER_EIG_MODE_VECTOR, CUBLAS_FILL_MODE_LOWER, n, A, n,
+                             static_cast<double*>(tau), static_cast<double*>(work), lwork, info);
+        else if (routine == "dgesvd")  // rwork: the unconverged superdiagonals, in the workspace's place of b0
+            cusolverDnDgesvd(solver, 'S', 'S', n, n, A, n, static_cast<double*>(tau), B, n, C, n,
+                             static_cast<double*>(work), lwork, static_cast<double*>(b0), info);
         else if (routine == "dgesv") {
             cusolverDnDgetrf(solver, n, n, A, n, static_cast<double*>(work), ipiv, info);
             cusolverDnDgetrs(solver, CUBLAS_OP_N, n, 1, A, n, ipiv, B, n, info);
@@ -264,6 +314,12 @@ void record(std::FILE* out, const std::string& routine, int n, const char* side,
     std::fprintf(out, "%s,%d,%s,%.6g,%.1f,%d,%s\n", routine.c_str(), n, side, p.median, gflops, p.reps, note);
     std::fflush(out);
     std::fprintf(stderr, "%-7s %6d %-9s %10.4f s %9.1f GFLOP/s %s\n", routine.c_str(), n, side, p.median, gflops, note);
+}
+
+// Whether GPU_BENCH_ROUTINES (a comma-separated list; unset: all) names the routine.
+bool selected(const std::string& routine) {
+    const char* list = std::getenv("GPU_BENCH_ROUTINES");
+    return list == nullptr || *list == '\0' || ("," + std::string(list) + ",").find("," + routine + ",") != std::string::npos;
 }
 
 // Whether the CUDA run-time finds a GPU; if not, says so.
@@ -314,17 +370,27 @@ int run(const char* linkPath, const char* outPath, double budget) {
     Device device;
     for (const Timed& t : timed) {
         const std::string routine = t.routine;
-        double cpuPrevious = 0;
+        if (!selected(routine)) continue;
+        double cpuPrevious = 0, gpuPrevious = 0;
         for (int n : t.sizes) {
-            if (seconds(begin) > budget) {
+            // A point whose GPU calls, estimated from the size before (x8 a call, a
+            // warm-up and one repetition each for link and device), would end past
+            // the budget is skipped too: the decompositions take minutes at 8192.
+            if (seconds(begin) + 4 * 8 * gpuPrevious > budget) {
                 record(out, routine, n, "all", {0, 0}, "skipped: time budget");
                 continue;
             }
             Problem p(routine, n);
             if (routine == "dormqr") p.factor(openblas);
+            if (Problem::decomposition(routine)) p.query(openblas, routine);
             const double expectedGpu = flops(routine, n) / 5e12 + 3.0 * n * n * 16 / 5e9;
-            record(out, routine, n, "link", measure([&] { p.restore(routine); }, [&] { callHost(link, routine, p); }, expectedGpu), "");
-            if (device.prepare(routine, p))
+            const Point linkPoint =
+                measure([&] { p.restore(routine); }, [&] { callHost(link, routine, p); }, expectedGpu);
+            record(out, routine, n, "link", linkPoint, "");
+            gpuPrevious = linkPoint.median;
+            if (routine == "dgesdd")
+                record(out, routine, n, "device", {0, 0}, "none: cuSOLVER has no gesdd");
+            else if (device.prepare(routine, p))
                 record(out, routine, n, "device", measure([&] { device.restore(routine); }, [&] { device.call(routine); }, 0), "");
             else
                 record(out, routine, n, "device", {0, 0}, "skipped: GPU memory");

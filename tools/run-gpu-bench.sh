@@ -8,6 +8,8 @@
 #   tools/run-gpu-bench.sh [OUTPUT_FOLDER]     default: $OUT when set, else build-gpu/bench-results
 # VORN_CUDA_TRANSFER=staged|registered|pageable chooses the CUDA library's host
 # transfer mode for the run (default: the library's own default).
+# GPU_BENCH_ROUTINES=dsyev,dgesvd,dgesdd times only the routines named (the
+# decompositions at n = 2048 ... 8192 need most of a device command of their own).
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 bundle="$root/build-gpu/bundle"

@@ -51,7 +51,16 @@ inline constexpr std::nullptr_t none = nullptr;
   X(ormqrSize,  cusolverDnSormqr_bufferSize,   cusolverDnDormqr_bufferSize,   cusolverDnCunmqr_bufferSize,   cusolverDnZunmqr_bufferSize) \
   X(ormqr,      cusolverDnSormqr,              cusolverDnDormqr,              cusolverDnCunmqr,              cusolverDnZunmqr) \
   X(orgbrSize,  cusolverDnSorgbr_bufferSize,   cusolverDnDorgbr_bufferSize,   cusolverDnCungbr_bufferSize,   cusolverDnZungbr_bufferSize) \
-  X(orgbr,      cusolverDnSorgbr,              cusolverDnDorgbr,              cusolverDnCungbr,              cusolverDnZungbr)
+  X(orgbr,      cusolverDnSorgbr,              cusolverDnDorgbr,              cusolverDnCungbr,              cusolverDnZungbr) \
+  X(geam,       cublasSgeam,                   cublasDgeam,                   cublasCgeam,                   cublasZgeam) \
+  X(syevdSize,  cusolverDnSsyevd_bufferSize,   cusolverDnDsyevd_bufferSize,   cusolverDnCheevd_bufferSize,   cusolverDnZheevd_bufferSize) \
+  X(syevd,      cusolverDnSsyevd,              cusolverDnDsyevd,              cusolverDnCheevd,              cusolverDnZheevd) \
+  X(sygvdSize,  cusolverDnSsygvd_bufferSize,   cusolverDnDsygvd_bufferSize,   cusolverDnChegvd_bufferSize,   cusolverDnZhegvd_bufferSize) \
+  X(sygvd,      cusolverDnSsygvd,              cusolverDnDsygvd,              cusolverDnChegvd,              cusolverDnZhegvd) \
+  X(gesvdSize,  cusolverDnSgesvd_bufferSize,   cusolverDnDgesvd_bufferSize,   cusolverDnCgesvd_bufferSize,   cusolverDnZgesvd_bufferSize) \
+  X(gesvd,      cusolverDnSgesvd,              cusolverDnDgesvd,              cusolverDnCgesvd,              cusolverDnZgesvd) \
+  X(gebrdSize,  cusolverDnSgebrd_bufferSize,   cusolverDnDgebrd_bufferSize,   cusolverDnCgebrd_bufferSize,   cusolverDnZgebrd_bufferSize) \
+  X(gebrd,      cusolverDnSgebrd,              cusolverDnDgebrd,              cusolverDnCgebrd,              cusolverDnZgebrd)
 
 #define VORN_CUDA_COLUMN_S(root, s, d, c, z) static constexpr auto root = s;
 #define VORN_CUDA_COLUMN_D(root, s, d, c, z) static constexpr auto root = d;

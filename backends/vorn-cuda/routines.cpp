@@ -735,6 +735,218 @@ template <class T> struct Gels {
     }
 };
 
+// ---- Eigenvalues, singular values and the bidiagonal reduction. Matrices that
+// LAPACK's drivers scale before they compute (largest element outside
+// [low, 1/low]) and matrices holding a NaN are left to the CPU library:
+// cuSOLVER does not say that it scales them alike.
+
+// LAPACK's largest absolute value of the uplo triangle of a symmetric or
+// Hermitian matrix (xlansy, xlanhe 'M'); a Hermitian diagonal counts its real part.
+template <class T> typename Library<T>::Real triangleMagnitude(const T* a, int n, int lda, char uplo, bool hermitian) {
+    using Real = typename Library<T>::Real;
+    Real largest = 0;
+    for (int j = 0; j < n; ++j)
+        for (int i = upper(uplo) == 'U' ? 0 : j; i <= (upper(uplo) == 'U' ? j : n - 1); ++i) {
+            const T& x = a[i + std::size_t(j) * lda];
+            Real v;
+            if constexpr (isComplex<T>) v = hermitian && i == j ? std::abs(x.re) : std::hypot(x.re, x.im); else v = std::abs(x);
+            if (v > largest || v != v) largest = v;
+            if (largest != largest) return largest;
+        }
+    return largest;
+}
+template <class Real> const char* scaledByLapack(Real largest, Real low) {
+    if (largest != largest) return "A holds a NaN";
+    return (largest > 0 && largest < low) || largest > 1 / low ? "A needs scaling" : nullptr;
+}
+template <class Real> Real lapackSafeMinimum() { return std::numeric_limits<Real>::min(); }
+template <class Real> Real lapackPrecision() { return std::numeric_limits<Real>::epsilon(); }
+
+inline cusolverEigMode_t eigenMode(char jobz) {
+    return upper(jobz) == 'V' ? CUSOLVER_EIG_MODE_VECTOR : CUSOLVER_EIG_MODE_NOVECTOR;
+}
+
+// syev, heev through the divide and conquer solver: eigenvalues ascending in w
+// and, with jobz 'V', orthonormal eigenvectors in a; info > 0 when the
+// tridiagonal iteration does not converge. With jobz 'N' LAPACK leaves a
+// destroyed: it gets what cuSOLVER left there. A Hermitian diagonal is read as real.
+template <class T> struct Syev {
+    using Type = T; static constexpr const char* root = isComplex<T> ? "heev" : "syev";
+    using Real = typename Library<T>::Real;
+    char jobz, uplo; int n; T* a; int lda; Real* w;
+    int illegalArgument() const {
+        return firstIllegal({{1, !oneOf(jobz, "NV")}, {2, !oneOf(uplo, "UL")}, {3, n < 0}, {5, lda < atLeastOne(n)}});
+    }
+    bool nothingToDo() const { return n == 0; }
+    const char* unsupported() const {
+        return scaledByLapack(triangleMagnitude(a, n, lda, uplo, isComplex<T>),
+                              std::sqrt(lapackSafeMinimum<Real>() / lapackPrecision<Real>()));
+    }
+    auto operands() const { return std::array{inOut(a, n, n, lda, true), out(w, n, 1, n, true)}; }
+    int lwork(ThreadContext& c, int& elements) const {
+        cusolverStatus_t s = Library<T>::syevdSize(c.solver, eigenMode(jobz), fill(uplo), n, nullptr, atLeastOne(n),
+                                                   nullptr, &elements);
+        return s ? solverFailure(s, root, "syevd_bufferSize") : 0;
+    }
+    int scratchBytes(ThreadContext& c, std::size_t& bytes) const { return workspaceBytes(*this, c, bytes); }
+    int compute(const Gpu& g) const {
+        int elements = 0;
+        if (int status = lwork(g.context, elements)) return status;
+        if constexpr (isComplex<T>)
+            if (int status = g.realDiagonal<T>(0, n)) return status;
+        return g.solver(Library<T>::syevd(g.context.solver, eigenMode(jobz), fill(uplo), n, g.at<T>(0), g.ld(0),
+                                          g.at<Real>(1), g.work<T>(), elements, g.info), "syevd");
+    }
+};
+
+// sygv, hegv through the divide and conquer solver, itype 1 to 3. When B is not
+// positive definite, info = n + i and LAPACK leaves the factor of B's leading
+// minor in b and a untouched; b goes back, a and w do not (for the rare info <=
+// n, non-convergence, LAPACK leaves a and w partly computed: they stay as the
+// caller gave them). With jobz 'N' a is destroyed in LAPACK: it gets what
+// cuSOLVER left there.
+template <class T> struct Sygv {
+    using Type = T; static constexpr const char* root = isComplex<T> ? "hegv" : "sygv";
+    using Real = typename Library<T>::Real;
+    int itype; char jobz, uplo; int n; T* a; int lda; T* b; int ldb; Real* w;
+    int illegalArgument() const {
+        return firstIllegal({{1, itype < 1 || itype > 3}, {2, !oneOf(jobz, "NV")}, {3, !oneOf(uplo, "UL")}, {4, n < 0},
+                             {6, lda < atLeastOne(n)}, {8, ldb < atLeastOne(n)}});
+    }
+    bool nothingToDo() const { return n == 0; }
+    auto operands() const { return std::array{inOut(a, n, n, lda), inOut(b, n, n, ldb, true), out(w, n, 1, n)}; }
+    cusolverEigType_t type() const { return cusolverEigType_t(CUSOLVER_EIG_TYPE_1 + (itype - 1)); }
+    int lwork(ThreadContext& c, int& elements) const {
+        cusolverStatus_t s = Library<T>::sygvdSize(c.solver, type(), eigenMode(jobz), fill(uplo), n, nullptr,
+                                                   atLeastOne(n), nullptr, atLeastOne(n), nullptr, &elements);
+        return s ? solverFailure(s, root, "sygvd_bufferSize") : 0;
+    }
+    int scratchBytes(ThreadContext& c, std::size_t& bytes) const { return workspaceBytes(*this, c, bytes); }
+    int compute(const Gpu& g) const {
+        int elements = 0;
+        if (int status = lwork(g.context, elements)) return status;
+        if constexpr (isComplex<T>)
+            for (int i : {0, 1})
+                if (int status = g.realDiagonal<T>(i, n)) return status;
+        return g.solver(Library<T>::sygvd(g.context.solver, type(), eigenMode(jobz), fill(uplo), n, g.at<T>(0), g.ld(0),
+                                          g.at<T>(1), g.ld(1), g.at<Real>(2), g.work<T>(), elements, g.info), "sygvd");
+    }
+};
+
+// gesvd. cuSOLVER computes m >= n only: with m < n it computes the SVD of A^H,
+// whose left vectors are A's right ones and the other way round, and the results
+// are conjugate-transposed into u and vt. jobu or jobvt 'O' (the vectors over a)
+// with m < n is left to the CPU library. Without 'O' LAPACK leaves a destroyed:
+// it gets what cuSOLVER left there, or, with m < n, stays as the caller gave it
+// (A^H is worked on in scratch). info > 0: superdiagonals of the bidiagonal
+// form that did not converge; LAPACK leaves what it computed, and so does this.
+template <class T> struct Gesvd {
+    using Type = T; static constexpr const char* root = "gesvd";
+    using Real = typename Library<T>::Real;
+    char jobu, jobvt; int m, n; T* a; int lda; Real* s; T* u; int ldu; T* vt; int ldvt;
+    int k() const { return std::min(m, n); }
+    static bool is(char job, char letter) { return upper(job) == letter; }
+    bool transposed() const { return m < n; }
+    int uCols() const { return is(jobu, 'A') ? m : is(jobu, 'S') ? k() : 0; }
+    int vtRows() const { return is(jobvt, 'A') ? n : is(jobvt, 'S') ? k() : 0; }
+    int illegalArgument() const {
+        return firstIllegal({{1, !oneOf(jobu, "ASON")}, {2, !oneOf(jobvt, "ASON") || (is(jobu, 'O') && is(jobvt, 'O'))},
+                             {3, m < 0}, {4, n < 0}, {6, lda < atLeastOne(m)},
+                             {9, ldu < 1 || (oneOf(jobu, "AS") && ldu < m)},
+                             {11, ldvt < 1 || (is(jobvt, 'A') && ldvt < n) || (is(jobvt, 'S') && ldvt < k())}});
+    }
+    bool nothingToDo() const { return m == 0 || n == 0; }
+    const char* unsupported() const {
+        if (transposed() && (is(jobu, 'O') || is(jobvt, 'O'))) return "jobu or jobvt 'O' with m < n";
+        return scaledByLapack(largestMagnitude(a, m, n, lda),
+                              std::sqrt(lapackSafeMinimum<Real>()) / lapackPrecision<Real>());
+    }
+    auto operands() const {
+        return std::array{inOut(a, m, n, lda, true), out(s, k(), 1, k(), true),
+                          out(u, uCols() ? m : 0, uCols(), ldu, true), out(vt, vtRows(), vtRows() ? n : 0, ldvt, true)};
+    }
+    // The GPU scratch: with m < n, A^H (n x m), its left vectors (n x vtRows) and
+    // its right ones (m x m); then cuSOLVER's workspace and its real rwork.
+    struct Layout { std::size_t left, right, work, rwork, end; int lwork; };
+    int layout(ThreadContext& c, Layout& l) const {
+        const int rows = transposed() ? n : m, cols = transposed() ? m : n;
+        if (cusolverStatus_t status = Library<T>::gesvdSize(c.solver, rows, cols, &l.lwork))
+            return solverFailure(status, root, "gesvd_bufferSize");
+        const std::size_t element = sizeof(T);
+        l.left = transposed() ? aligned(std::size_t(n) * m * element) : 0;
+        l.right = l.left + (transposed() ? aligned(std::size_t(n) * vtRows() * element) : 0);
+        l.work = l.right + (transposed() ? aligned(std::size_t(m) * m * element) : 0);
+        l.rwork = l.work + aligned(std::size_t(l.lwork) * element);
+        l.end = l.rwork + aligned(std::size_t(k()) * sizeof(Real));
+        return 0;
+    }
+    int scratchBytes(ThreadContext& c, std::size_t& bytes) const {
+        Layout l{};
+        const int status = layout(c, l);
+        bytes = l.end;
+        return status;
+    }
+    // to := from^H (from is rows x cols), on the GPU.
+    int conjugateTranspose(const Gpu& g, int rows, int cols, const void* from, int ldFrom, void* to, int ldTo) const {
+        using D = typename Library<T>::Device;
+        const auto one = scalar(unit<T>()), zero = scalar(T{});
+        return g.blas(Library<T>::geam(g.context.blas, operation<T>('C'), CUBLAS_OP_N, cols, rows, &one,
+                                       static_cast<const D*>(from), ldFrom, &zero, static_cast<D*>(to), ldTo,
+                                       static_cast<D*>(to), ldTo), "geam");
+    }
+    int compute(const Gpu& g) const {
+        Layout l{};
+        if (int status = layout(g.context, l)) return status;
+        auto* work = g.work<T>(l.work);
+        auto* rwork = reinterpret_cast<Real*>(g.scratch + l.rwork);
+        const int ldU = std::max(g.ld(2), m), ldVt = std::max(g.ld(3), n);
+        if (!transposed()) {
+            return g.solver(Library<T>::gesvd(g.context.solver, upper(jobu), upper(jobvt), m, n, g.at<T>(0), g.ld(0),
+                                              g.at<Real>(1), g.at<T>(2), ldU, g.at<T>(3), ldVt, work, l.lwork, rwork,
+                                              g.info), "gesvd");
+        }
+        g.unchanged(0);
+        auto* transpose = g.work<T>();
+        auto* left = g.work<T>(l.left);
+        auto* right = g.work<T>(l.right);
+        if (int status = conjugateTranspose(g, m, n, g.at<T>(0), g.ld(0), transpose, n)) return status;
+        if (int status = g.solver(Library<T>::gesvd(g.context.solver, upper(jobvt), upper(jobu), n, m, transpose, n,
+                                                    g.at<Real>(1), left, n, right, m, work, l.lwork, rwork, g.info),
+                                  "gesvd"))
+            return status;
+        if (uCols())
+            if (int status = conjugateTranspose(g, m, m, right, m, g.at<T>(2), g.ld(2))) return status;
+        if (vtRows()) return conjugateTranspose(g, n, vtRows(), left, n, g.at<T>(3), g.ld(3));
+        return 0;
+    }
+};
+
+// gebrd with m >= n: the upper bidiagonal form, LAPACK's Householder
+// representation. m < n (the lower form) is left to the CPU library.
+template <class T> struct Gebrd {
+    using Type = T; static constexpr const char* root = "gebrd";
+    using Real = typename Library<T>::Real;
+    int m, n; T* a; int lda; Real* d; Real* e; T* tauq; T* taup;
+    int illegalArgument() const { return firstIllegal({{1, m < 0}, {2, n < 0}, {4, lda < atLeastOne(m)}}); }
+    bool nothingToDo() const { return m == 0 || n == 0; }
+    const char* unsupported() const { return m < n ? "m < n" : nullptr; }
+    auto operands() const {
+        return std::array{inOut(a, m, n, lda), out(d, n, 1, n), out(e, n - 1, 1, n - 1), out(tauq, n, 1, n),
+                          out(taup, n, 1, n)};
+    }
+    int lwork(ThreadContext& c, int& elements) const {
+        cusolverStatus_t s = Library<T>::gebrdSize(c.solver, m, n, &elements);
+        return s ? solverFailure(s, root, "gebrd_bufferSize") : 0;
+    }
+    int scratchBytes(ThreadContext& c, std::size_t& bytes) const { return workspaceBytes(*this, c, bytes); }
+    int compute(const Gpu& g) const {
+        int elements = 0;
+        if (int status = lwork(g.context, elements)) return status;
+        return g.solver(Library<T>::gebrd(g.context.solver, m, n, g.at<T>(0), g.ld(0), g.at<Real>(1), g.at<Real>(2),
+                                          g.at<T>(3), g.at<T>(4), g.work<T>(), elements, g.info), "gebrd");
+    }
+};
+
 // A routine that cuSOLVER and cuBLAS cannot compute as LAPACK defines it: the
 // "not available" status, and the link library runs it on the CPU library. The
 // org and orm roots are named ung and unm in complex precisions.
@@ -753,17 +965,17 @@ template <class T, const char* Real, const char* Complex> struct LeftToCpu {
 // The banded Cholesky factorisation; the QL, RQ and LQ factorisations, the QR
 // factorisation with a non-negative diagonal, and the generation and products of
 // their factors; the generalised factorisations and least squares; the factor of
-// a Hessenberg reduction.
+// a Hessenberg reduction; the Hessenberg reduction, the nonsymmetric eigenvalue
+// problem, the selected eigenvalues of syevx and heevx (cuSOLVER's selection
+// takes no abstol), the tridiagonal and bidiagonal solvers, and gesdd.
 VORN_CUDA_LEFT_TO_CPU(pbtrf, pbtrf) VORN_CUDA_LEFT_TO_CPU(geqlf, geqlf) VORN_CUDA_LEFT_TO_CPU(gerqf, gerqf)
 VORN_CUDA_LEFT_TO_CPU(gelqf, gelqf) VORN_CUDA_LEFT_TO_CPU(geqrfp, geqrfp) VORN_CUDA_LEFT_TO_CPU(gglse, gglse)
 VORN_CUDA_LEFT_TO_CPU(ggrqf, ggrqf) VORN_CUDA_LEFT_TO_CPU(orghr, unghr) VORN_CUDA_LEFT_TO_CPU(orglq, unglq)
 VORN_CUDA_LEFT_TO_CPU(orgql, ungql) VORN_CUDA_LEFT_TO_CPU(orgrq, ungrq) VORN_CUDA_LEFT_TO_CPU(ormlq, unmlq)
 VORN_CUDA_LEFT_TO_CPU(ormql, unmql) VORN_CUDA_LEFT_TO_CPU(ormrq, unmrq)
-VORN_CUDA_LEFT_TO_CPU(gehrd, gehrd) VORN_CUDA_LEFT_TO_CPU(gebrd, gebrd) VORN_CUDA_LEFT_TO_CPU(geev, geev)
-VORN_CUDA_LEFT_TO_CPU(geevComplex, geev) VORN_CUDA_LEFT_TO_CPU(syev, heev) VORN_CUDA_LEFT_TO_CPU(heev, heev)
-VORN_CUDA_LEFT_TO_CPU(syevx, heevx) VORN_CUDA_LEFT_TO_CPU(heevx, heevx) VORN_CUDA_LEFT_TO_CPU(sygv, hegv)
-VORN_CUDA_LEFT_TO_CPU(hegv, hegv) VORN_CUDA_LEFT_TO_CPU(steqr, steqr) VORN_CUDA_LEFT_TO_CPU(stebz, stebz)
-VORN_CUDA_LEFT_TO_CPU(gesvd, gesvd) VORN_CUDA_LEFT_TO_CPU(gesdd, gesdd) VORN_CUDA_LEFT_TO_CPU(bdsqr, bdsqr)
+VORN_CUDA_LEFT_TO_CPU(gehrd, gehrd) VORN_CUDA_LEFT_TO_CPU(geev, geev) VORN_CUDA_LEFT_TO_CPU(geevComplex, geev)
+VORN_CUDA_LEFT_TO_CPU(syevx, heevx) VORN_CUDA_LEFT_TO_CPU(heevx, heevx) VORN_CUDA_LEFT_TO_CPU(steqr, steqr)
+VORN_CUDA_LEFT_TO_CPU(stebz, stebz) VORN_CUDA_LEFT_TO_CPU(gesdd, gesdd) VORN_CUDA_LEFT_TO_CPU(bdsqr, bdsqr)
 
 // The row each root of the GPU function list runs, over the element type.
 namespace rowOf {
@@ -810,18 +1022,18 @@ template <class T> using trsm = Trxm<T, true>;
 template <class T> using symv = Symv<T, false>;
 template <class T> using hemv = Symv<T, true>;
 template <class T> using gehrd = gehrdRow<T>;
-template <class T> using gebrd = gebrdRow<T>;
+template <class T> using gebrd = Gebrd<T>;
 template <class T> using geev = geevRow<T>;
 template <class T> using geevComplex = geevComplexRow<T>;
-template <class T> using syev = syevRow<T>;
-template <class T> using heev = heevRow<T>;
+template <class T> using syev = Syev<T>;
+template <class T> using heev = Syev<T>;
 template <class T> using syevx = syevxRow<T>;
 template <class T> using heevx = heevxRow<T>;
-template <class T> using sygv = sygvRow<T>;
-template <class T> using hegv = hegvRow<T>;
+template <class T> using sygv = Sygv<T>;
+template <class T> using hegv = Sygv<T>;
 template <class T> using steqr = steqrRow<T>;
 template <class T> using stebz = stebzRow<T>;
-template <class T> using gesvd = gesvdRow<T>;
+template <class T> using gesvd = Gesvd<T>;
 template <class T> using gesdd = gesddRow<T>;
 template <class T> using bdsqr = bdsqrRow<T>;
 }  // namespace rowOf

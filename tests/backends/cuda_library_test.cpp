@@ -38,11 +38,17 @@ void dgeqrf_(I, I, double*, I, double*, double*, I, int*);
 void dormqr_(const char*, const char*, I, I, I, const double*, I, const double*, double*, I, double*, I, int*,
              std::size_t, std::size_t);
 void zgels_(const char*, I, I, I, Z*, I, Z*, I, Z*, I, int*, std::size_t);
+void dsyev_(const char*, const char*, I, double*, I, double*, double*, I, int*, std::size_t, std::size_t);
+void zhegv_(I, const char*, const char*, I, Z*, I, Z*, I, double*, Z*, I, double*, int*, std::size_t, std::size_t);
+void dgesvd_(const char*, const char*, I, I, double*, I, double*, double*, I, double*, I, double*, I, int*,
+             std::size_t, std::size_t);
+void dgebrd_(I, I, double*, I, double*, double*, double*, double*, double*, I, int*);
 }
 
 namespace {
 
 vornDoubleComplex* gpu(Z* p) { return reinterpret_cast<vornDoubleComplex*>(p); }
+vornDoubleComplex* complex(double* a) { return reinterpret_cast<vornDoubleComplex*>(a); }
 
 // A column-major rows x cols matrix in an array of leading dimension ld, with a
 // strong diagonal; the padding rows hold a marker that must survive every call.
@@ -69,6 +75,36 @@ template <class T> void expectClose(const std::vector<T>& got, const std::vector
         difference = std::max(difference, double(std::abs(got[i] - want[i])));
     }
     EXPECT_LE(difference, 30.0 * n * eps * std::max(largest, 1.0)) << "largest difference " << difference;
+}
+
+// A V = W diag(values) within LAPACK's bound, n eps ||A|| (A m x n, V n x k, W
+// m x k), and, for orthonormal vectors, V^H V = I and W^H W = I: whatever the
+// signs or phases that the vectors come with.
+using Element = std::function<Z(int, int)>;
+template <class T> Element entries(const std::vector<T>& x, int ld) {
+    return [&x, ld](int i, int j) { return Z(x[i + std::size_t(j) * ld]); };
+}
+void expectDecomposition(int m, int n, int k, const Element& a, const Element& v, const Element& w,
+                         const std::vector<double>& values, bool orthonormal) {
+    double largest = 0, residual = 0, orthogonality = 0;
+    for (int j = 0; j < n; ++j)
+        for (int i = 0; i < m; ++i) largest = std::max(largest, std::abs(a(i, j)));
+    auto unitary = [&](const Element& x, int rows, int i, int j) {
+        Z dot = 0;
+        for (int l = 0; l < rows; ++l) dot += std::conj(x(l, i)) * x(l, j);
+        return std::abs(dot - (i == j ? 1.0 : 0.0));
+    };
+    for (int j = 0; j < k; ++j) {
+        for (int i = 0; i < m; ++i) {
+            Z product = 0;
+            for (int l = 0; l < n; ++l) product += a(i, l) * v(l, j);
+            residual = std::max(residual, std::abs(product - w(i, j) * values[j]));
+        }
+        for (int i = 0; orthonormal && i < k; ++i)
+            orthogonality = std::max({orthogonality, unitary(v, n, i, j), unitary(w, m, i, j)});
+    }
+    EXPECT_LE(residual, 30.0 * std::max(m, n) * eps * largest);
+    EXPECT_LE(orthogonality, 30.0 * std::max(m, n) * eps);
 }
 
 // The GPU tests run only where vornInitialize finds a GPU.
@@ -159,6 +195,75 @@ TEST_P(CudaTransferModes, LargeProblemsMatchOpenBlasWithinErrorBounds) {
             &lwork, &info, 1, 1);
     ASSERT_EQ(vornDormqr('L', 'T', n, k, cols, qrExpected.data(), ld, tauExpected.data(), c.data(), ld), 0);
     expectClose(c, expected, n);
+
+    // Eigenvalues and singular values against OpenBLAS's; their vectors through the
+    // decomposition they give. dsyev reads the upper triangle; the lower one is the
+    // same, for the residual.
+    const int e = 97, le = e + 3;
+    auto sym = matrix<double>(e, e, le, 13);
+    for (int j = 0; j < e; ++j)
+        for (int i = j + 1; i < e; ++i) sym[i + j * le] = sym[j + i * le];
+    auto vectors = sym, values = std::vector<double>(e), expectedValues = values;
+    dsyev_("N", "U", &e, vectors.data(), &le, expectedValues.data(), work.data(), &lwork, &info, 1, 1);
+    vectors = sym;
+    ASSERT_EQ(vornDsyev('V', 'U', e, vectors.data(), le, values.data()), 0);
+    expectClose(values, expectedValues, e);
+    expectDecomposition(e, e, e, entries(sym, le), entries(vectors, le), entries(vectors, le), values, true);
+
+    // zhegv, A Z = B Z diag(w), from the lower triangles (complex diagonals read as real).
+    const int h = 40;
+    auto ha = matrix<Z>(h, h, h, 14), hb = matrix<Z>(h, h, h, 15);
+    for (int j = 0; j < h; ++j)
+        for (int i = j; i < h; ++i) {
+            if (i > j) hb[i + j * h] *= 0.01;
+            ha[j + i * h] = std::conj(ha[i + j * h]);
+            hb[j + i * h] = std::conj(hb[i + j * h]);
+        }
+    auto hz = ha, hbFactor = hb, hzExpected = ha, hbExpected = hb;
+    std::vector<double> hw(h), hwExpected(h), rwork(3 * h);
+    std::vector<Z> zwork(64 * h);
+    const int itype = 1, lzwork = int(zwork.size());
+    zhegv_(&itype, "V", "L", &h, hzExpected.data(), &h, hbExpected.data(), &h, hwExpected.data(), zwork.data(), &lzwork,
+           rwork.data(), &info, 1, 1);
+    for (int j = 0; j < h; ++j) ha[j + j * h].imag(1.5), hb[j + j * h].imag(-1.5);
+    hz = ha, hbFactor = hb;
+    ASSERT_EQ(vornZhegv(1, 'V', 'L', h, gpu(hz.data()), h, gpu(hbFactor.data()), h, hw.data()), 0);
+    expectClose(hw, hwExpected, h);
+    expectClose(hbFactor, hbExpected, h);
+    const Element bz = [&](int i, int j) {
+        Z sum = 0;
+        for (int l = 0; l < h; ++l) sum += Z(hb[i + l * h].real(), i == l ? 0 : hb[i + l * h].imag()) * hz[l + j * h];
+        return sum;
+    };
+    const Element hermitian = [&](int i, int j) { return i == j ? Z(ha[i + j * h].real()) : ha[i + j * h]; };
+    expectDecomposition(h, h, h, hermitian, entries(hz, h), bz, hw, false);
+
+    // dgesvd with m < n (cuSOLVER's SVD of A^T), jobu 'A', jobvt 'S'; A V = U diag(s).
+    const int sm = 60, sn = 97, sk = sm;
+    const auto general = matrix<double>(sm, sn, le, 16);
+    auto destroyed = general, sExpected = std::vector<double>(sk), sv = sExpected;
+    std::vector<double> u(sm * sm), vt(le * sn);
+    dgesvd_("N", "N", &sm, &sn, destroyed.data(), &le, sExpected.data(), u.data(), &sm, vt.data(), &le, work.data(),
+            &lwork, &info, 1, 1);
+    destroyed = general;
+    ASSERT_EQ(vornDgesvd('A', 'S', sm, sn, destroyed.data(), le, sv.data(), u.data(), sm, vt.data(), le), 0);
+    EXPECT_EQ(destroyed, general);
+    expectClose(sv, sExpected, sn);
+    const Element v = [&](int i, int j) { return Z(vt[j + i * le]); };
+    expectDecomposition(sm, sn, sk, entries(general, le), v, entries(u, sm), sv, true);
+
+    // dgebrd: OpenBLAS's bidiagonal form and reflectors.
+    auto brd = matrix<double>(n, cols, ld, 17), brdExpected = brd;
+    std::vector<double> d(cols), dExpected(cols), off(cols - 1), offExpected(cols - 1), tq(cols), tqExpected(cols),
+        tp(cols), tpExpected(cols);
+    dgebrd_(&n, &cols, brdExpected.data(), &ld, dExpected.data(), offExpected.data(), tqExpected.data(),
+            tpExpected.data(), work.data(), &lwork, &info);
+    ASSERT_EQ(vornDgebrd(n, cols, brd.data(), ld, d.data(), off.data(), tq.data(), tp.data()), 0);
+    expectClose(brd, brdExpected, n);
+    expectClose(d, dExpected, n);
+    expectClose(off, offExpected, n);
+    expectClose(tq, tqExpected, n);
+    expectClose(tp, tpExpected, n);
 }
 
 // info > 0: status 7, info as LAPACK gives it, and the arrays as LAPACK leaves
@@ -297,6 +402,14 @@ TEST(CudaLibrary, IllegalArgumentsGiveStatusEightWithTheirPositionAndQuickReturn
         {"dorgbr m > n for P", [](double* p, int*) { return vornDorgbr('P', 4, 3, 2, p, 4, p); }, -3},
         {"dgels trans C", [](double* p, int*) { return vornDgels('C', 4, 3, 1, p, 4, p, 4); }, -1},
         {"dgels ldb < n", [](double* p, int*) { return vornDgels('N', 3, 4, 1, p, 3, p, 3); }, -8},
+        {"dsyev jobz", [](double* p, int*) { return vornDsyev('X', 'Q', 4, p, 4, p); }, -1},
+        {"zheev lda", [](double* p, int*) { return vornZheev('V', 'L', 4, complex(p), 3, p); }, -5},
+        {"dsygv itype", [](double* p, int*) { return vornDsygv(4, 'V', 'U', 4, p, 4, p, 4, p); }, -1},
+        {"dsygv ldb", [](double* p, int*) { return vornDsygv(2, 'N', 'U', 4, p, 4, p, 3, p); }, -8},
+        {"dgesvd jobu and jobvt O", [](double* p, int*) { return vornDgesvd('O', 'O', 4, 4, p, 4, p, p, 4, p, 4); }, -2},
+        {"dgesvd ldu for S", [](double* p, int*) { return vornDgesvd('S', 'N', 4, 3, p, 4, p, p, 3, p, 1); }, -9},
+        {"dgesvd ldvt for S", [](double* p, int*) { return vornDgesvd('N', 'S', 2, 4, p, 2, p, p, 1, p, 1); }, -11},
+        {"dgebrd lda", [](double* p, int*) { return vornDgebrd(4, 3, p, 3, p, p, p, p); }, -4},
         {"dpotrs nrhs = 0", [](double* p, int*) { return vornDpotrs('U', 4, 0, p, 4, p, 4); }, 0},
         {"dtrtrs nrhs = 0", [](double* p, int*) { return vornDtrtrs('L', 'N', 'N', 4, 0, p, 4, p, 4); }, 0},
         {"dgeqrf m = 0", [](double* p, int*) { return vornDgeqrf(0, 4, p, 1, p); }, 0},
@@ -304,6 +417,10 @@ TEST(CudaLibrary, IllegalArgumentsGiveStatusEightWithTheirPositionAndQuickReturn
         {"dormqr k = 0", [](double* p, int*) { return vornDormqr('L', 'T', 4, 4, 0, p, 4, p, p, 4); }, 0},
         {"dorgbr n = 0", [](double* p, int*) { return vornDorgbr('P', 0, 0, 3, p, 1, p); }, 0},
         {"dgels nrhs = 0", [](double* p, int*) { return vornDgels('N', 4, 3, 0, p, 4, p, 4); }, 0},
+        {"dsyev n = 0", [](double* p, int*) { return vornDsyev('V', 'L', 0, p, 1, p); }, 0},
+        {"zhegv n = 0", [](double* p, int*) { return vornZhegv(3, 'N', 'U', 0, complex(p), 1, complex(p), 1, p); }, 0},
+        {"dgesvd m = 0", [](double* p, int*) { return vornDgesvd('A', 'A', 0, 4, p, 1, p, p, 1, p, 4); }, 0},
+        {"dgebrd n = 0", [](double* p, int*) { return vornDgebrd(4, 0, p, 4, p, p, p, p); }, 0},
     };
     for (const Case& c : cases) {
         std::vector<double> arrays(256, 0.25);
@@ -372,7 +489,6 @@ Outcome run(const Case& c) {
     r.status = c.call(r.a.data(), r.p.data());
     return r;
 }
-vornDoubleComplex* complex(double* a) { return reinterpret_cast<vornDoubleComplex*>(a); }
 const Case cases[] = {
     {"dgemm", [](double* a, int*) { return vornDgemm('N', 'T', n, n, n, 1, a, n, a + n * n, n, 0.5, a + 2 * n * n, n); }},
     {"dgetrf", [](double* a, int* p) { return vornDgetrf(n, n, a, n, p); }},
@@ -380,6 +496,9 @@ const Case cases[] = {
     {"dsgesv",
      [](double* a, int* p) { return vornDsgesv(n, 2, a, n, p, a + n * n, n, a + 2 * n * n, n, a + 3 * n * n); }},
     {"dgels", [](double* a, int*) { return vornDgels('N', n, n / 2, 2, a, n, a + n * n, n); }},
+    {"dgesvd", [](double* a, int*) {
+         return vornDgesvd('S', 'A', n / 2, n, a, n / 2, a + n * n, a + 2 * n * n, n / 2, a + 3 * n * n, n);
+     }},
 };
 
 // The nth call of a kind fails: a failure status with the arrays as they were;

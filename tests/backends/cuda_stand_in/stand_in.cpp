@@ -24,6 +24,7 @@
 #include <string>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 #include "stand_in.h"
 
@@ -238,7 +239,143 @@ template <class T> void scribble(T* a, int n, int lda) {
                     std::numeric_limits<double>::quiet_NaN());
 }
 
+// ---- cuSOLVER: the eigenvalue, singular value and bidiagonal routines, each
+// with the workspace its bufferSize gives, which it checks it is given.
+
+// LAPACK's smallest workspaces of syevd/heevd and sygvd/hegvd with eigenvectors,
+// which serve without them too: work in elements (the cuSOLVER workspace here),
+// then the real and integer ones, which the stand-in keeps to itself.
+int eigenWork(bool complex, int n) { return complex ? 2 * n + n * n + 1 : 1 + 6 * n + 2 * n * n; }
+int eigenRealWork(int n) { return 1 + 5 * n + 2 * n * n; }
+int eigenIntegerWork(int n) { return 3 + 5 * n; }
+// gesvd's: LAPACK's smallest work for any jobu and jobvt, in elements.
+int svdWork(bool complex, int m, int n) {
+    const int k = std::min(m, n), most = std::max(m, n);
+    return std::max(1, complex ? 2 * k + most : std::max(3 * k + most, 5 * k));
+}
+char eigenJob(cusolverEigMode_t mode) { return mode == CUSOLVER_EIG_MODE_VECTOR ? 'V' : 'N'; }
+template <class T> constexpr bool complexType = std::is_same_v<T, C> || std::is_same_v<T, Z>;
+template <class T> double realPart(T v) { if constexpr (complexType<T>) return v.x; else return v; }
+template <class T> double imaginaryPart(T v) { if constexpr (complexType<T>) return v.y; else return 0; }
+template <class T> T conjugate(T v) {
+    if constexpr (complexType<T>) v.y = -v.y;
+    return v;
+}
+
 }  // namespace
+
+// syevd and heevd over LAPACK's own; the complex ones take a real workspace too.
+#define STAND_IN_SYEVD(p, P, T, R, root, ...) \
+    cusolverStatus_t cusolverDn##P##root##_bufferSize(cusolverDnHandle_t h, cusolverEigMode_t, cublasFillMode_t, \
+                                                      int n, const T*, int, const R*, int* lwork) { \
+        if (h == nullptr) return CUSOLVER_STATUS_NOT_INITIALIZED; \
+        *lwork = eigenWork(complexType<T>, n); \
+        return CUSOLVER_STATUS_SUCCESS; \
+    } \
+    cusolverStatus_t cusolverDn##P##root(cusolverDnHandle_t h, cusolverEigMode_t mode, cublasFillMode_t u, int n, \
+                                        T* A, int lda, R* W, T* work, int lwork, int* info) { \
+        if (lwork < eigenWork(complexType<T>, n)) return CUSOLVER_STATUS_INVALID_VALUE; \
+        return launch(h, "cusolverDn" #P #root, {{"A", A, n, n, lda}, words("W", W, n), \
+                      words("workspace", work, lwork), words("info", info, 1)}, \
+                      [=, jobz = eigenJob(mode), uplo = fill(u)] { \
+            std::vector<R> rwork(eigenRealWork(n)); \
+            std::vector<int> iwork(eigenIntegerWork(n)); \
+            [[maybe_unused]] int lrwork = int(rwork.size()); \
+            int liwork = int(iwork.size()); \
+            openBlas(#p #root "_", &jobz, &uplo, &n, A, &lda, W, work, &lwork, __VA_ARGS__ iwork.data(), &liwork, \
+                     info, oneChar, oneChar); \
+        }); \
+    }
+
+// sygvd and hegvd over LAPACK's own.
+#define STAND_IN_SYGVD(p, P, T, R, root, ...) \
+    cusolverStatus_t cusolverDn##P##root##_bufferSize(cusolverDnHandle_t h, cusolverEigType_t, cusolverEigMode_t, \
+                                                      cublasFillMode_t, int n, const T*, int, const T*, int, \
+                                                      const R*, int* lwork) { \
+        if (h == nullptr) return CUSOLVER_STATUS_NOT_INITIALIZED; \
+        *lwork = eigenWork(complexType<T>, n); \
+        return CUSOLVER_STATUS_SUCCESS; \
+    } \
+    cusolverStatus_t cusolverDn##P##root(cusolverDnHandle_t h, cusolverEigType_t type, cusolverEigMode_t mode, \
+                                        cublasFillMode_t u, int n, T* A, int lda, T* B, int ldb, R* W, T* work, \
+                                        int lwork, int* info) { \
+        if (lwork < eigenWork(complexType<T>, n)) return CUSOLVER_STATUS_INVALID_VALUE; \
+        return launch(h, "cusolverDn" #P #root, {{"A", A, n, n, lda}, {"B", B, n, n, ldb}, words("W", W, n), \
+                      words("workspace", work, lwork), words("info", info, 1)}, \
+                      [=, itype = int(type), jobz = eigenJob(mode), uplo = fill(u)] { \
+            std::vector<R> rwork(eigenRealWork(n)); \
+            std::vector<int> iwork(eigenIntegerWork(n)); \
+            [[maybe_unused]] int lrwork = int(rwork.size()); \
+            int liwork = int(iwork.size()); \
+            openBlas(#p #root "_", &itype, &jobz, &uplo, &n, A, &lda, B, &ldb, W, work, &lwork, __VA_ARGS__ \
+                     iwork.data(), &liwork, info, oneChar, oneChar); \
+        }); \
+    }
+
+// gesvd over LAPACK's, for m >= n only, as cuSOLVER's: rwork gets the
+// superdiagonals that did not converge (LAPACK's work(2:k) in real precisions,
+// rwork(1:k-1) in complex ones).
+#define STAND_IN_GESVD(p, P, T, R) \
+    cusolverStatus_t cusolverDn##P##gesvd_bufferSize(cusolverDnHandle_t h, int m, int n, int* lwork) { \
+        if (h == nullptr) return CUSOLVER_STATUS_NOT_INITIALIZED; \
+        *lwork = svdWork(complexType<T>, m, n); \
+        return CUSOLVER_STATUS_SUCCESS; \
+    } \
+    cusolverStatus_t cusolverDn##P##gesvd(cusolverDnHandle_t h, signed char jobu, signed char jobvt, int m, int n, \
+                                         T* A, int lda, R* S, T* U, int ldu, T* VT, int ldvt, T* work, int lwork, \
+                                         R* rwork, int* info) { \
+        if (m < n || lwork < svdWork(complexType<T>, m, n)) return CUSOLVER_STATUS_INVALID_VALUE; \
+        const bool wantU = jobu == 'A' || jobu == 'S', wantVt = jobvt == 'A' || jobvt == 'S'; \
+        return launch(h, "cusolverDn" #P "gesvd", {{"A", A, m, n, lda}, words("S", S, n), \
+                      {"U", U, wantU ? m : 0, jobu == 'A' ? m : n, ldu}, {"VT", VT, wantVt ? n : 0, n, ldvt}, \
+                      words("workspace", work, lwork), words("rwork", rwork, n - 1), words("info", info, 1)}, \
+                      [=, ju = char(jobu), jv = char(jobvt)] { \
+            std::vector<R> lapackRwork(5 * n); \
+            if constexpr (complexType<T>) \
+                openBlas(#p "gesvd_", &ju, &jv, &m, &n, A, &lda, S, U, &ldu, VT, &ldvt, work, &lwork, \
+                         lapackRwork.data(), info, oneChar, oneChar); \
+            else \
+                openBlas(#p "gesvd_", &ju, &jv, &m, &n, A, &lda, S, U, &ldu, VT, &ldvt, work, &lwork, info, oneChar, \
+                         oneChar); \
+            for (int i = 0; i + 1 < n; ++i) \
+                rwork[i] = complexType<T> ? lapackRwork[i] : R(realPart(work[i + 1])); \
+        }); \
+    }
+
+// gebrd over LAPACK's, for m >= n only, as cuSOLVER's.
+#define STAND_IN_GEBRD(p, P, T, R) \
+    cusolverStatus_t cusolverDn##P##gebrd_bufferSize(cusolverDnHandle_t h, int m, int n, int* lwork) { \
+        if (h == nullptr) return CUSOLVER_STATUS_NOT_INITIALIZED; \
+        *lwork = queried<T>(#p "gebrd_", std::tuple{&m, &n, (T*)nullptr, &m, (R*)nullptr, (R*)nullptr, (T*)nullptr, \
+                            (T*)nullptr}, std::tuple{}); \
+        return CUSOLVER_STATUS_SUCCESS; \
+    } \
+    cusolverStatus_t cusolverDn##P##gebrd(cusolverDnHandle_t h, int m, int n, T* A, int lda, R* D, R* E, T* tauq, \
+                                         T* taup, T* work, int lwork, int* info) { \
+        int needed = 0; \
+        cusolverDn##P##gebrd_bufferSize(h, m, n, &needed); \
+        if (m < n || lwork < needed) return CUSOLVER_STATUS_INVALID_VALUE; \
+        return launch(h, "cusolverDn" #P "gebrd", {{"A", A, m, n, lda}, words("D", D, n), words("E", E, n - 1), \
+                      words("tauq", tauq, n), words("taup", taup, n), words("workspace", work, lwork), \
+                      words("info", info, 1)}, \
+                      [=] { openBlas(#p "gebrd_", &m, &n, A, &lda, D, E, tauq, taup, work, &lwork, info); }); \
+    }
+
+// geam: only what the CUDA library asks of it, C = op(A) (alpha 1, beta 0).
+#define STAND_IN_GEAM(p, P, T) \
+    cublasStatus_t cublas##P##geam(cublasHandle_t h, cublasOperation_t ta, cublasOperation_t, int m, int n, \
+                                   const T* alpha, const T* A, int lda, const T* beta, const T*, int, T* Cm, int ldc) { \
+        if (realPart(*alpha) != 1 || imaginaryPart(*alpha) != 0 || realPart(*beta) != 0 || imaginaryPart(*beta) != 0) \
+            return CUBLAS_STATUS_NOT_SUPPORTED; \
+        const bool nA = ta == CUBLAS_OP_N; \
+        return launch(h, "cublas" #P "geam", {{"A", A, nA ? m : n, nA ? n : m, lda}, {"C", Cm, m, n, ldc}}, [=] { \
+            for (int j = 0; j < n; ++j) \
+                for (int i = 0; i < m; ++i) { \
+                    const T v = nA ? A[i + size_t(j) * lda] : A[j + size_t(i) * lda]; \
+                    Cm[i + size_t(j) * ldc] = ta == CUBLAS_OP_C ? conjugate(v) : v; \
+                } \
+        }); \
+    }
 
 // ---- cuBLAS
 
@@ -600,6 +737,7 @@ STAND_IN_SYR2K(c, C, C, C, syr2k) STAND_IN_SYR2K(z, Z, Z, Z, syr2k)
 STAND_IN_SYR2K(c, C, C, float, her2k) STAND_IN_SYR2K(z, Z, Z, double, her2k)
 STAND_IN_SYMV(s, S, float, symv) STAND_IN_SYMV(d, D, double, symv)
 STAND_IN_SYMV(c, C, C, hemv) STAND_IN_SYMV(z, Z, Z, hemv)
+STAND_IN_EACH_TYPE(STAND_IN_GEAM)
 
 // ---- cuSOLVER
 
@@ -649,5 +787,13 @@ cusolverStatus_t cusolverDnXtrtri(cusolverDnHandle_t h, cublasFillMode_t u, cubl
 STAND_IN_EACH_TYPE(STAND_IN_LU)
 STAND_IN_MIXED(DS, ds, double, float)
 STAND_IN_MIXED(ZC, zc, Z, C, rwork,)
+STAND_IN_SYEVD(s, S, float, float, syevd) STAND_IN_SYEVD(d, D, double, double, syevd)
+STAND_IN_SYEVD(c, C, C, float, heevd, rwork.data(), &lrwork,) STAND_IN_SYEVD(z, Z, Z, double, heevd, rwork.data(), &lrwork,)
+STAND_IN_SYGVD(s, S, float, float, sygvd) STAND_IN_SYGVD(d, D, double, double, sygvd)
+STAND_IN_SYGVD(c, C, C, float, hegvd, rwork.data(), &lrwork,) STAND_IN_SYGVD(z, Z, Z, double, hegvd, rwork.data(), &lrwork,)
+STAND_IN_GESVD(s, S, float, float) STAND_IN_GESVD(d, D, double, double)
+STAND_IN_GESVD(c, C, C, float) STAND_IN_GESVD(z, Z, Z, double)
+STAND_IN_GEBRD(s, S, float, float) STAND_IN_GEBRD(d, D, double, double)
+STAND_IN_GEBRD(c, C, C, float) STAND_IN_GEBRD(z, Z, Z, double)
 
 }  // extern "C"
