@@ -81,7 +81,7 @@ int main(int argc, char** argv) {
     for (const char* name : routine_classes::crossoversWithoutRoutine) routed.erase(name);
     if (!checkPartition(routed)) return 1;
 
-    // What stands: the forwarded and logged routines and the routed routines that have landed.
+    // The exported routines: the forwarded, the logged and the routed ones.
     std::vector<Exported> exported = {
 #define FORWARDED(name, words, info) {#name, words},
 #include "routines/cpu/forwarded_routines.inc"

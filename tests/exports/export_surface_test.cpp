@@ -11,7 +11,7 @@
 #include "published_prototypes.h"
 
 // The dynamic symbols are the export list, nothing more and nothing less: 6,660
-// names, the four spellings of each forwarded, logged and standing routed routine
+// names, the four spellings of each forwarded, logged and routed routine
 // and of lsame, and the four control calls. On Windows the build checks the DLL's
 // export table (tools/check-windows-exports.sh).
 #if !defined(_WIN32)

@@ -1,5 +1,5 @@
 // The word count, info, result and work query of every forwarded routine, and the
-// word count and info of every routed routine that stands, held against the
+// word count and info of every routed routine, held against the
 // prototypes that the system's LAPACK and BLAS headers publish: lapack.h
 // (liblapacke-dev) and the Fortran BLAS prototypes of cblas_f77.h (libblas-dev).
 // The headers are read at test time; the hidden string lengths at their ends are
@@ -55,7 +55,7 @@ void addRouted(RoutineFacts& facts, int words) {
         facts.query(RoutineFacts::Query<Tested<Root::lwork>, typename Root::WorkLines>{});
 }
 
-// Ours, from the tables: the forwarded routines, and the routed ones that stand.
+// Ours, from the tables: the forwarded and the routed routines.
 std::map<std::string, RoutineFacts> ourRoutines() {
     std::map<std::string, RoutineFacts> ours;
     for (const RoutineFacts& routine : forwardedTable()) ours[routine.name] = routine;
