@@ -32,6 +32,9 @@ extern "C" {
 void dgemm_(const char*, const char*, I, I, I, const double*, const double*, I, const double*, I, const double*,
             double*, I, std::size_t, std::size_t);
 void dgetrf_(I, I, double*, I, int*, int*);
+void dgetrs_(const char*, I, I, const double*, I, I, double*, I, int*, std::size_t);
+void dgetri_(I, double*, I, I, double*, I, int*);
+void dgesv_(I, I, double*, I, int*, double*, I, int*);
 void zgetrf_(I, I, Z*, I, int*, int*);
 void dposv_(const char*, I, I, double*, I, double*, I, int*, std::size_t);
 void dgeqrf_(I, I, double*, I, double*, double*, I, int*);
@@ -50,18 +53,34 @@ namespace {
 vornDoubleComplex* gpu(Z* p) { return reinterpret_cast<vornDoubleComplex*>(p); }
 vornDoubleComplex* complex(double* a) { return reinterpret_cast<vornDoubleComplex*>(a); }
 
-// A column-major rows x cols matrix in an array of leading dimension ld, with a
-// strong diagonal; the padding rows hold a marker that must survive every call.
-template <class T> std::vector<T> matrix(int rows, int cols, int ld, unsigned seed) {
+// A column-major rows x cols matrix in an array of leading dimension ld: entries
+// in [-1, 1), none exactly zero, plus weight at row (j + shift) mod rows of each
+// column j. Shift 0 gives the strong diagonal that the positive definite cases
+// need; the padding rows hold a marker that must survive every call.
+template <class T>
+std::vector<T> matrix(int rows, int cols, int ld, unsigned seed, int shift = 0, double weight = 4.0) {
     std::vector<T> a(std::size_t(ld) * cols, T(-7));
     for (int j = 0; j < cols; ++j)
         for (int i = 0; i < rows; ++i) {
             seed = seed * 1103515245u + 12345u;
-            const double v = double((seed >> 8) % 2001) / 1000.0 - 1.0 + (i == j ? 4.0 : 0.0);
+            const double v = (double(seed >> 8) + 0.5) / double(1u << 23) - 1.0 + (i == (j + shift) % rows ? weight : 0.0);
             if constexpr (std::is_same_v<T, Z>) a[i + std::size_t(j) * ld] = T(v, 0.5 * v - 0.25);
             else a[i + std::size_t(j) * ld] = T(v);
         }
     return a;
+}
+
+// A matrix whose LU with partial pivoting swaps rows: column j's largest entry
+// outweighs the rest of it, one row below the diagonal (the last column's in the
+// first row). Its pivots are far from ties, so a GPU chooses them as OpenBLAS
+// does, and it is well conditioned, so results agree within LAPACK's bounds.
+template <class T> std::vector<T> pivoting(int rows, int cols, int ld, unsigned seed) {
+    return matrix<T>(rows, cols, ld, seed, 1, 2.0 * rows);
+}
+bool swapsRows(const std::vector<int>& ipiv, std::size_t from = 0) {
+    for (std::size_t i = from; i < ipiv.size(); ++i)
+        if (ipiv[i] != int(i) + 1) return true;
+    return false;
 }
 
 // LAPACK's test bound: the largest difference, relative to the largest reference
@@ -174,10 +193,11 @@ TEST_P(CudaTransferModes, LargeProblemsMatchOpenBlasWithinErrorBounds) {
     ASSERT_EQ(vornDgemm('T', 'N', n, n, k, one, a.data(), ld, b.data(), ld, zero, c.data(), ld), 0);
     expectClose(c, expected, k);
 
-    auto z = matrix<Z>(n, cols, ld, 10), zExpected = z;
+    auto z = pivoting<Z>(n, cols, ld, 10), zExpected = z;
     std::vector<int> ipiv(cols), expectedIpiv(cols);
     int info = -1;
     zgetrf_(&n, &cols, zExpected.data(), &ld, expectedIpiv.data(), &info);
+    ASSERT_TRUE(swapsRows(expectedIpiv));
     ASSERT_EQ(vornZgetrf(n, cols, gpu(z.data()), ld, ipiv.data()), 0);
     EXPECT_EQ(ipiv, expectedIpiv);
     expectClose(z, zExpected, n);
@@ -195,6 +215,29 @@ TEST_P(CudaTransferModes, LargeProblemsMatchOpenBlasWithinErrorBounds) {
             &lwork, &info, 1, 1);
     ASSERT_EQ(vornDormqr('L', 'T', n, k, cols, qrExpected.data(), ld, tauExpected.data(), c.data(), ld), 0);
     expectClose(c, expected, n);
+
+    // getrs with OpenBLAS's factors and pivots ('N' swaps rows of b before the
+    // solves, 'T' after them), getri with them, and gesv.
+    auto lu = pivoting<double>(n, n, ld, 18), gesvA = lu, gesvAExpected = lu;
+    std::vector<int> luIpiv(n), gesvIpiv(n);
+    dgetrf_(&n, &n, lu.data(), &ld, luIpiv.data(), &info);
+    ASSERT_TRUE(swapsRows(luIpiv));
+    for (const char trans : {'N', 'T'}) {
+        auto x = matrix<double>(n, k, ld, 19), xExpected = x;
+        dgetrs_(&trans, &n, &k, lu.data(), &ld, luIpiv.data(), xExpected.data(), &ld, &info, 1);
+        ASSERT_EQ(vornDgetrs(trans, n, k, lu.data(), ld, luIpiv.data(), x.data(), ld), 0) << trans;
+        expectClose(x, xExpected, n);
+    }
+    auto inverse = lu, inverseExpected = lu;
+    dgetri_(&n, inverseExpected.data(), &ld, luIpiv.data(), work.data(), &lwork, &info);
+    ASSERT_EQ(vornDgetri(n, inverse.data(), ld, luIpiv.data()), 0);
+    expectClose(inverse, inverseExpected, n);
+    auto x = matrix<double>(n, k, ld, 20), xExpected = x;
+    dgesv_(&n, &k, gesvAExpected.data(), &ld, luIpiv.data(), xExpected.data(), &ld, &info);
+    ASSERT_EQ(vornDgesv(n, k, gesvA.data(), ld, gesvIpiv.data(), x.data(), ld), 0);
+    EXPECT_EQ(gesvIpiv, luIpiv);
+    expectClose(gesvA, gesvAExpected, n);
+    expectClose(x, xExpected, n);
 
     // Eigenvalues and singular values against OpenBLAS's; their vectors through the
     // decomposition they give. dsyev reads the upper triangle; the lower one is the
@@ -276,18 +319,19 @@ TEST(CudaLibrary, SingularMatricesGiveStatusSevenWithInfo) {
     REQUIRE_GPU();
     const int n = 6;
     std::vector<int> ipiv(n), expectedIpiv(n);
-    auto a = matrix<double>(n, n, n, 21);
-    std::fill_n(a.begin() + 3 * n, n, 0.0);  // column 4 is zero: U(4,4) = 0
+    auto a = pivoting<double>(n, n, n, 21);
+    std::fill_n(a.begin() + 3 * n, n, 0.0);  // column 4 is zero: U(4,4) = 0, and the factoring goes on
     auto expected = a;
     int info = 0;
     dgetrf_(&n, &n, expected.data(), &n, expectedIpiv.data(), &info);
     ASSERT_EQ(info, 4);
+    ASSERT_TRUE(swapsRows(expectedIpiv, 4));
     EXPECT_EQ(vornDgetrf(n, n, a.data(), n, ipiv.data()), VORN_STATUS_INFO_NUMERICAL);
     EXPECT_EQ(vornGetErrorInfo(), 4);
     EXPECT_EQ(ipiv, expectedIpiv);
     expectClose(a, expected, n);
 
-    auto z = matrix<Z>(n, n, n, 22), b = matrix<Z>(n, 2, n, 23);
+    auto z = pivoting<Z>(n, n, n, 22), b = matrix<Z>(n, 2, n, 23);
     std::fill_n(z.begin() + 2 * n, n, 0.0);
     const auto bBefore = b;
     EXPECT_EQ(vornZgesv(n, 2, gpu(z.data()), n, ipiv.data(), gpu(b.data()), n), VORN_STATUS_INFO_NUMERICAL);
@@ -448,7 +492,7 @@ TEST(CudaLibrary, ConcurrentCallsFromManyThreads) {
                 dgemm_("N", "T", &n, &n, &n, &one, a.data(), &ld, b.data(), &ld, &one, expected.data(), &ld, 1, 1);
                 EXPECT_EQ(vornDgemm('N', 'T', n, n, n, one, a.data(), ld, b.data(), ld, one, c.data(), ld), 0);
                 expectClose(c, expected, n);
-                auto singular = a;
+                auto singular = pivoting<double>(n, n, ld, 100 * t + r);
                 std::vector<int> ipiv(n);
                 std::fill_n(singular.begin() + std::size_t(t % n) * ld, n, 0.0);
                 EXPECT_EQ(vornDgetrf(n, n, singular.data(), ld, ipiv.data()), VORN_STATUS_INFO_NUMERICAL);
@@ -478,7 +522,7 @@ namespace {
 // One call on fixed arrays, and its outcome.
 constexpr int n = 24;
 struct Outcome {
-    std::vector<double> a = matrix<double>(n, 4 * n, n, 1);
+    std::vector<double> a = pivoting<double>(n, 4 * n, n, 1);
     std::vector<int> p = std::vector<int>(n, -3);
     int status = -1;
     bool operator==(const Outcome& other) const { return a == other.a && p == other.p; }
