@@ -5,15 +5,22 @@
 //   link     through the link library over the CUDA GPU library (VORN_GPU_ALWAYS=1,
 //            so every call goes to the GPU), host arrays in and out;
 //   openblas OpenBLAS on all cores, the same call;
+//   hand     the same cuBLAS / cuSOLVER call as a user writes it by hand: cudaMemcpy
+//            of the inputs, the call, cudaMemcpy of the outputs and info (link / hand
+//            is what the library's staging costs);
 //   device   cuBLAS / cuSOLVER on data already on the GPU (the limit);
 //   nvblas   dgemm through NVBLAS (a run of its own, with libnvblas.so preloaded);
 // and the fixed cost of one small GPU call (n = 64). tools/run-gpu-bench.sh runs
 // it and turns the CSV into a table with the break-even size of each routine.
+// Every result is checked (check(), below); a wrong one is recorded with no time.
+// A link point whose GPU call failed and was retried on the CPU (the link
+// library's error lines, read from its log) is recorded with no time either.
 // Without a GPU it says so and measures nothing.
 //
 //   [GPU_BENCH_ROUTINES=dsyev,dgesvd,...] gpu_bench run LINK_LIBRARY OUT.csv [BUDGET_SECONDS]
 //   gpu_bench nvblas OUT.csv [BUDGET_SECONDS]
 //   gpu_bench report IN.csv... > RESULTS.md
+//   gpu_bench check          (no GPU needed: the result checks on OpenBLAS's results)
 #include <algorithm>
 #include <chrono>
 #include <cmath>
@@ -103,7 +110,8 @@ double flops(const std::string& routine, double n) {
 }
 
 // The problem of one size: inputs made once, restored before each call. dpotrf
-// reads the lower triangle of a, diagonally dominant and so positive definite;
+// reads the lower triangle of a, diagonally dominant and so positive definite
+// (dtrsm's triangle is too, so that its solution stays bounded);
 // dormqr applies the Q of OpenBLAS's QR factors of a (made by factor) to c.
 struct Problem {
     int n;
@@ -128,7 +136,7 @@ struct Problem {
             return;
         }
         const bool square = routine != "dgesv";
-        fill(a, nn, 1, routine != "dgemm");
+        fill(a, nn, 1, routine == "dpotrf" || routine == "dtrsm");  // general elsewhere: getrf swaps rows
         fill(b, square ? nn : std::size_t(n), 2, false);  // dgesv: one right-hand side
         if (routine == "dgemm") fill(c, nn, 3, false);
         a0 = a;
@@ -161,8 +169,119 @@ struct Problem {
             decomposition(routine))
             a = a0;
         if (routine == "dgesv" || routine == "dtrsm" || routine == "dormqr") b = c0;
+        if (routine == "dgemm") c = c0;
+        if (routine == "zgemm") std::fill(zc.begin(), zc.end(), Z(0.5, -0.25));
     }
 };
+
+// ---- Checks, in O(n^2): products with a vector x of the result and of the problem
+// it came from, as LAPACK's tests measure: the largest element of the residual over
+// n eps ||A|| ||x|| (infinity norms) must stay under checkBound; orthonormal
+// vectors must keep ||x||_2 within the same bound.
+constexpr double eps = 1.1e-16, checkBound = 30;
+// y = M x for the n x n matrix M: shape 'G' all of it, 'T' its transpose, 'L' its
+// lower triangle, 'l' that with a unit diagonal, 'U' its upper triangle, 'R' the
+// transpose of its lower triangle, 'S' the symmetric matrix of its lower triangle.
+template <class T> std::vector<T> mul(const T* m, int n, const std::vector<T>& x, char shape) {
+    std::vector<T> y(n, T(0));
+    for (int j = 0; j < n; ++j)
+        for (int i = 0; i < n; ++i) {
+            const T e = m[i + std::size_t(j) * n];
+            const bool lower = i >= j, upper = i <= j;
+            if (shape == 'G' || (shape == 'L' && lower) || (shape == 'U' && upper) || (shape == 'l' && i > j)) y[i] += e * x[j];
+            if (shape == 'l' && i == j) y[i] += x[j];
+            if (shape == 'T' || (shape == 'R' && lower) || (shape == 'S' && i > j)) y[j] += e * x[i];
+            if (shape == 'S' && lower) y[i] += e * x[j];
+        }
+    return y;
+}
+template <class T> double largest(const std::vector<T>& v) {
+    double m = 0;
+    for (const T& e : v) m = std::max(m, double(std::abs(e)));
+    return m;
+}
+template <class T> double norm(const T* m, int n) {  // infinity norm of all of it
+    std::vector<double> rows(n, 0.0);
+    for (std::size_t k = 0; k < std::size_t(n) * n; ++k) rows[k % n] += std::abs(m[k]);
+    return largest(rows);
+}
+double twoNorm(const std::vector<double>& v) {
+    double s = 0;
+    for (double e : v) s += e * e;
+    return std::sqrt(s);
+}
+// y = Q y, Q from geqrf's reflectors below the diagonal of f and tau.
+void applyQ(const double* f, const double* tau, int n, std::vector<double>& y) {
+    for (int i = n - 1; i >= 0; --i) {
+        const double* v = f + std::size_t(i) * n;
+        double dot = y[i];
+        for (int l = i + 1; l < n; ++l) dot += v[l] * y[l];
+        y[i] -= tau[i] * dot;
+        for (int l = i + 1; l < n; ++l) y[l] -= tau[i] * dot * v[l];
+    }
+}
+template <class T> std::vector<T> minus(std::vector<T> a, const std::vector<T>& b) {
+    for (std::size_t i = 0; i < a.size(); ++i) a[i] -= b[i];
+    return a;
+}
+
+// The check's ratio for the result that p holds now (the inputs a0, c0 kept).
+double check(const std::string& routine, const Problem& p) {
+    const int n = p.n;
+    std::vector<double> x(n);
+    for (int i = 0; i < n; ++i) x[i] = std::cos(i + 1.0);
+    const double xn = largest(x), scale = n * eps;
+    const double* a = p.a.data();
+    if (routine == "zgemm") {
+        std::vector<Z> zx(x.begin(), x.end()), c0(p.zc.size(), Z(0.5, -0.25));
+        auto want = mul(p.za.data(), n, mul(p.zb.data(), n, zx, 'G'), 'G'), c0x = mul(c0.data(), n, zx, 'G');
+        for (int i = 0; i < n; ++i) want[i] += 0.5 * c0x[i];
+        return largest(minus(mul(p.zc.data(), n, zx, 'G'), want)) /
+               (scale * (norm(p.za.data(), n) * norm(p.zb.data(), n) + 0.5 * norm(c0.data(), n)) * xn);
+    }
+    if (routine == "dgemm") {
+        auto want = mul(a, n, mul(p.b.data(), n, x, 'G'), 'G'), c0x = mul(p.c0.data(), n, x, 'G');
+        for (int i = 0; i < n; ++i) want[i] += 0.5 * c0x[i];
+        return largest(minus(mul(p.c.data(), n, x, 'G'), want)) /
+               (scale * (norm(a, n) * norm(p.b.data(), n) + 0.5 * norm(p.c0.data(), n)) * xn);
+    }
+    const double a0n = norm(p.a0.data(), n);
+    if (routine == "dgesv") {  // A0 x = b0, x the solution
+        return largest(minus(mul(p.a0.data(), n, p.b, 'G'), p.c0)) / (scale * a0n * largest(p.b));
+    }
+    if (routine == "dtrsm") {  // L X = B0
+        const auto xx = mul(p.b.data(), n, x, 'G');
+        return largest(minus(mul(a, n, xx, 'L'), mul(p.c0.data(), n, x, 'G'))) / (scale * norm(a, n) * largest(xx));
+    }
+    if (routine == "dormqr") {  // Q (Q^T C0) = C0
+        auto y = mul(p.b.data(), n, x, 'G');
+        applyQ(a, p.tau.data(), n, y);
+        return largest(minus(y, mul(p.c0.data(), n, x, 'G'))) / (scale * norm(p.c0.data(), n) * xn);
+    }
+    std::vector<double> y;
+    double orthonormal = 0;
+    if (routine == "dgetrf") {  // P L U = A0
+        y = mul(a, n, mul(a, n, x, 'U'), 'l');
+        for (int i = n - 1; i >= 0; --i) std::swap(y[i], y[p.ipiv[i] - 1]);
+        y = minus(y, mul(p.a0.data(), n, x, 'G'));
+    } else if (routine == "dpotrf") {  // L L^T = A0
+        y = minus(mul(a, n, mul(a, n, x, 'R'), 'L'), mul(p.a0.data(), n, x, 'S'));
+    } else if (routine == "dgeqrf") {  // Q R = A0
+        y = mul(a, n, x, 'U');
+        applyQ(a, p.tau.data(), n, y);
+        y = minus(y, mul(p.a0.data(), n, x, 'G'));
+    } else {  // A0 V = V diag(w) (dsyev) or A0 V = U diag(s), V = VT^T
+        const bool eigen = routine == "dsyev";
+        const double* u = eigen ? a : p.b.data();
+        const auto v = eigen ? mul(a, n, x, 'G') : mul(p.c.data(), n, x, 'T');
+        std::vector<double> wx(n);
+        for (int i = 0; i < n; ++i) wx[i] = p.tau[i] * x[i];
+        y = minus(mul(p.a0.data(), n, v, eigen ? 'S' : 'G'), mul(u, n, wx, 'G'));
+        orthonormal = std::max(std::abs(twoNorm(v) - twoNorm(x)), std::abs(twoNorm(mul(u, n, x, 'G')) - twoNorm(x))) /
+                      (scale * twoNorm(x));
+    }
+    return std::max(largest(y) / (scale * a0n * xn), orthonormal);
+}
 
 void callHost(const Host& h, const std::string& routine, Problem& p) {
     const int n = p.n, one = 1, lwork = int(p.work.size());
@@ -197,12 +316,13 @@ struct Device {
     int* ipiv = nullptr;
     int* info = nullptr;
     int n = 0, lwork = 0;
+    std::size_t bytes = 0;
     bool ok = false;
     bool prepare(const std::string& routine, Problem& p) {
         release();
         n = p.n;
         const std::size_t element = routine == "zgemm" ? sizeof(Z) : sizeof(double);
-        const std::size_t bytes = std::size_t(n) * n * element;
+        bytes = std::size_t(n) * n * element;
         if (blas == nullptr) {
             cudaStreamCreate(&stream);
             cublasCreate(&blas);
@@ -227,29 +347,44 @@ struct Device {
              cudaMalloc(&work, std::size_t(lwork) * sizeof(double)) == cudaSuccess &&
              cudaMalloc(&ipiv, n * sizeof(int)) == cudaSuccess && cudaMalloc(&info, sizeof(int)) == cudaSuccess;
         if (!ok) return false;
-        if (routine == "zgemm") {
-            cudaMemcpy(a, p.za.data(), bytes, cudaMemcpyHostToDevice);
-            cudaMemcpy(b, p.zb.data(), bytes, cudaMemcpyHostToDevice);
-            cudaMemcpy(c, p.zc.data(), bytes, cudaMemcpyHostToDevice);
-        } else {
-            cudaMemcpy(a0, p.a0.data(), bytes, cudaMemcpyHostToDevice);
-            cudaMemcpy(a, p.a0.data(), bytes, cudaMemcpyHostToDevice);
-            cudaMemcpy(b, p.c0.data(), p.c0.size() * sizeof(double), cudaMemcpyHostToDevice);
-            cudaMemcpy(b0, p.c0.data(), p.c0.size() * sizeof(double), cudaMemcpyHostToDevice);
-            if (routine == "dgemm") cudaMemcpy(c, p.c.data(), bytes, cudaMemcpyHostToDevice);
-            if (routine == "dormqr") {  // the factors, not the matrix they came from
-                cudaMemcpy(a, p.a.data(), bytes, cudaMemcpyHostToDevice);
-                cudaMemcpy(tau, p.tau.data(), n * sizeof(double), cudaMemcpyHostToDevice);
-            }
-        }
+        p.restore(routine);
+        transfer(routine, p, true);  // a0 and b0 keep a and the output among b and c, for restore
+        cudaMemcpy(a0, a, bytes, cudaMemcpyDeviceToDevice);
+        cudaMemcpy(b0, routine == "dgemm" || routine == "zgemm" ? c : b, bytes, cudaMemcpyDeviceToDevice);
         return true;
     }
+    // What a user moves by hand around the call: its inputs in (dormqr's a: the
+    // factors), its outputs and info out, in plain cudaMemcpy calls.
+    void transfer(const std::string& r, Problem& p, bool in) {
+        auto move = [&](void* device, void* host, std::size_t size) {
+            if (in) cudaMemcpy(device, host, size, cudaMemcpyHostToDevice);
+            else cudaMemcpy(host, device, size, cudaMemcpyDeviceToHost);
+        };
+        auto is = [&](std::initializer_list<const char*> names) {
+            return std::any_of(names.begin(), names.end(), [&](const char* name) { return r == name; });
+        };
+        const std::size_t vector = n * sizeof(double);
+        if (r == "zgemm") {
+            if (in) move(a, p.za.data(), bytes), move(b, p.zb.data(), bytes);
+            move(c, p.zc.data(), bytes);
+            return;
+        }
+        if (in ? true : is({"dgetrf", "dgesv", "dpotrf", "dgeqrf", "dsyev"})) move(a, p.a.data(), bytes);
+        if (in ? is({"dgemm", "dgesv", "dtrsm", "dormqr"}) : is({"dgesv", "dtrsm", "dormqr", "dgesvd"}))
+            move(b, p.b.data(), p.b.size() * sizeof(double));
+        if (in ? r == "dgemm" : is({"dgemm", "dgesvd"})) move(c, p.c.data(), bytes);
+        if (in ? r == "dormqr" : is({"dgeqrf", "dsyev", "dgesvd"})) move(tau, p.tau.data(), vector);
+        if (!in && is({"dgetrf", "dgesv"})) move(ipiv, p.ipiv.data(), n * sizeof(int));
+        int hostInfo = 0;
+        if (!in && !is({"dgemm", "dtrsm"})) move(info, &hostInfo, sizeof(int));
+    }
     void restore(const std::string& routine) {
-        const std::size_t bytes = std::size_t(n) * n * sizeof(double);
         if (routine == "dgetrf" || routine == "dgesv" || routine == "dpotrf" || routine == "dgeqrf" ||
             Problem::decomposition(routine))
             cudaMemcpyAsync(a, a0, bytes, cudaMemcpyDeviceToDevice, stream);
-        if (routine == "dormqr") cudaMemcpyAsync(b, b0, bytes, cudaMemcpyDeviceToDevice, stream);
+        if (routine == "dormqr" || routine == "dgesv" || routine == "dtrsm")
+            cudaMemcpyAsync(b, b0, routine == "dgesv" ? n * sizeof(double) : bytes, cudaMemcpyDeviceToDevice, stream);
+        if (routine == "dgemm" || routine == "zgemm") cudaMemcpyAsync(c, b0, bytes, cudaMemcpyDeviceToDevice, stream);
         cudaStreamSynchronize(stream);
     }
     void call(const std::string& routine) {
@@ -330,9 +465,48 @@ bool gpuPresent() {
     return false;
 }
 
+// The link library's error lines (always written: to standard output, here sent to
+// OUT.csv.link.log, or to VORN_DEBUG_LOG's file) that came since the last look: a
+// GPU library that did not start, or a GPU call that failed and ran on the CPU.
+struct LinkLog {
+    std::string path;
+    std::streamoff seen = 0;
+    explicit LinkLog(const std::string& out) {
+        const char* debugLog = std::getenv("VORN_DEBUG_LOG");
+        const bool ownFile = debugLog == nullptr || *debugLog == '\0';
+        path = ownFile ? out + ".link.log" : debugLog;
+        if (ownFile && std::freopen(path.c_str(), "w", stdout) == nullptr) std::perror(path.c_str());
+        std::ifstream in(path, std::ios::ate);
+        seen = in ? std::streamoff(in.tellg()) : 0;
+    }
+    std::string newErrors() {
+        std::ifstream in(path);
+        in.seekg(seen);
+        std::string line, first;
+        while (std::getline(in, line))
+            if (first.empty() && line.rfind("vorn error: ", 0) == 0) first = line;
+        in.clear();
+        in.seekg(0, std::ios::end);
+        seen = in.tellg();
+        return first;
+    }
+};
+
+// A point's time, or none with the reason: a wrong result, or a call not on the GPU.
+void recordChecked(std::FILE* out, const std::string& routine, int n, const char* side, const Point& point,
+                   double ratio, const std::string& linkError = "") {
+    char note[200];
+    if (!linkError.empty()) std::snprintf(note, sizeof note, "not on the GPU: %s", linkError.c_str());
+    else if (!(ratio <= checkBound)) std::snprintf(note, sizeof note, "wrong result: check %.3g over %g", ratio, checkBound);
+    else std::snprintf(note, sizeof note, "check %.2g", ratio);
+    const bool good = linkError.empty() && ratio <= checkBound;
+    record(out, routine, n, side, good ? point : Point{0, point.reps}, note);
+}
+
 int run(const char* linkPath, const char* outPath, double budget) {
     if (!gpuPresent()) return 0;
     const auto begin = Clock::now();
+    LinkLog linkLog(outPath);
     void* linkHandle = dlopen(linkPath, RTLD_NOW | RTLD_LOCAL);
     void* openblasHandle = dlopen("libopenblas.so.0", RTLD_NOW | RTLD_LOCAL);
     if (linkHandle == nullptr || openblasHandle == nullptr) {
@@ -358,7 +532,15 @@ int run(const char* linkPath, const char* outPath, double budget) {
             std::sort(t.begin(), t.end());
             return Point{t[t.size() / 2], 400};
         };
-        record(out, "dgemm", 64, "link", many([&] { callHost(link, "dgemm", p); }), "fixed cost");
+        const Point linkPoint = many([&] { callHost(link, "dgemm", p); });
+        const std::string linkError = linkLog.newErrors();
+        if (!linkError.empty()) {
+            std::fprintf(stderr, "gpu_bench: the link library's calls do not run on the GPU: %s\n", linkError.c_str());
+            return 1;
+        }
+        record(out, "dgemm", 64, "link", linkPoint, "fixed cost");
+        if (vorn != nullptr && vorn('N', 'N', 64, 64, 64, 1, p.a.data(), 64, p.b.data(), 64, 0.5, p.c.data(), 64) != 0)
+            vorn = nullptr;  // a failing GPU library shows no time
         if (vorn != nullptr)
             record(out, "dgemm", 64, "vorn", many([&] { vorn('N', 'N', 64, 64, 64, 1, p.a.data(), 64, p.b.data(), 64, 0.5, p.c.data(), 64); }), "fixed cost");
         Device d;
@@ -386,14 +568,25 @@ int run(const char* linkPath, const char* outPath, double budget) {
             const double expectedGpu = flops(routine, n) / 5e12 + 3.0 * n * n * 16 / 5e9;
             const Point linkPoint =
                 measure([&] { p.restore(routine); }, [&] { callHost(link, routine, p); }, expectedGpu);
-            record(out, routine, n, "link", linkPoint, "");
+            recordChecked(out, routine, n, "link", linkPoint, check(routine, p), linkLog.newErrors());
             gpuPrevious = linkPoint.median;
-            if (routine == "dgesdd")
+            if (routine == "dgesdd") {
+                record(out, routine, n, "hand", {0, 0}, "none: cuSOLVER has no gesdd");
                 record(out, routine, n, "device", {0, 0}, "none: cuSOLVER has no gesdd");
-            else if (device.prepare(routine, p))
-                record(out, routine, n, "device", measure([&] { device.restore(routine); }, [&] { device.call(routine); }, 0), "");
-            else
+            } else if (device.prepare(routine, p)) {
+                const Point floor = measure([&] { device.restore(routine); }, [&] { device.call(routine); }, 0);
+                device.transfer(routine, p, false);
+                recordChecked(out, routine, n, "device", floor, check(routine, p));
+                const Point hand = measure([&] { p.restore(routine); }, [&] {
+                    device.transfer(routine, p, true);
+                    device.call(routine);
+                    device.transfer(routine, p, false);
+                }, expectedGpu);
+                recordChecked(out, routine, n, "hand", hand, check(routine, p));
+            } else {
+                record(out, routine, n, "hand", {0, 0}, "skipped: GPU memory");
                 record(out, routine, n, "device", {0, 0}, "skipped: GPU memory");
+            }
             device.release();
             const double expectedCpu = cpuPrevious * 8;
             if (expectedCpu > cpuCapSeconds) {
@@ -403,12 +596,36 @@ int run(const char* linkPath, const char* outPath, double budget) {
                 continue;
             }
             const Point cpu = measure([&] { p.restore(routine); }, [&] { callHost(openblas, routine, p); }, expectedCpu);
-            record(out, routine, n, "openblas", cpu, "");
+            recordChecked(out, routine, n, "openblas", cpu, check(routine, p));
             cpuPrevious = cpu.median;
         }
     }
     std::fclose(out);
     return 0;
+}
+
+// Without a GPU: the checks on OpenBLAS's results at n = 96 (within the bound)
+// and on each result with one element spoiled (far over it).
+int selfCheck() {
+    void* handle = dlopen("libopenblas.so.0", RTLD_NOW | RTLD_LOCAL);
+    if (handle == nullptr) { std::fprintf(stderr, "gpu_bench: %s\n", dlerror()); return 1; }
+    const Host openblas = hostFrom(handle);
+    int wrong = 0;
+    for (const Timed& t : timed) {
+        const std::string routine = t.routine;
+        Problem p(routine, 96);
+        if (routine == "dormqr") p.factor(openblas);
+        if (Problem::decomposition(routine)) p.query(openblas, routine);
+        p.restore(routine);
+        callHost(openblas, routine, p);
+        const double good = check(routine, p);
+        if (routine == "zgemm") p.zc[5] += 1e-3;
+        else (routine == "dgemm" ? p.c : routine == "dgetrf" || routine == "dpotrf" || routine == "dgeqrf" || routine == "dsyev" ? p.a : p.b)[5] += 1e-3;
+        const double spoiled = check(routine, p);
+        wrong += !(good <= checkBound) + !(spoiled > checkBound);
+        std::printf("%-7s check %.3g, spoiled %.3g\n", routine.c_str(), good, spoiled);
+    }
+    return wrong != 0;
 }
 
 // NVBLAS is preloaded: dgemm_ in the global scope is its own.
@@ -427,7 +644,8 @@ int runNvblas(const char* outPath, double budget) {
     for (int n : sizes) {
         if (seconds(begin) > budget) break;
         Problem p("dgemm", n);
-        record(out, "dgemm", n, "nvblas", measure([] {}, [&] { callHost(nvblas, "dgemm", p); }, 0), "");
+        const Point point = measure([&] { p.restore("dgemm"); }, [&] { callHost(nvblas, "dgemm", p); }, 0);
+        recordChecked(out, "dgemm", n, "nvblas", point, check("dgemm", p));
     }
     std::fclose(out);
     return 0;
@@ -460,7 +678,8 @@ int report(int count, char** paths) {
     std::string breakEven;
     for (const Timed& timedRoutine : timed) {
         const char* routine = timedRoutine.routine;
-        std::printf("| %s n | link (CUDA) | device cuBLAS/cuSOLVER | link / device | OpenBLAS | nvblas |\n|---|---|---|---|---|---|\n", routine);
+        std::printf("| %s n | link (CUDA) | by hand (copy, call, copy) | device cuBLAS/cuSOLVER | link / hand | link / device | OpenBLAS | nvblas |\n"
+                    "|---|---|---|---|---|---|---|---|\n", routine);
         int from = 0;
         for (int n : timedRoutine.sizes) {
             auto& row = t[routine][n];
@@ -472,10 +691,14 @@ int report(int count, char** paths) {
                 else std::snprintf(text, sizeof text, "-");
                 return std::string(text);
             };
-            char ratio[32] = "-";
-            if (row.count("link") && row.count("device")) std::snprintf(ratio, sizeof ratio, "%.2f", row["link"] / row["device"]);
-            std::printf("| %d | %s | %s | %s | %s | %s |\n", n, cell("link").c_str(), cell("device").c_str(), ratio,
-                        cell("openblas").c_str(), cell("nvblas").c_str());
+            auto ratio = [&](const char* over) {
+                char text[32] = "-";
+                if (row.count("link") && row.count(over)) std::snprintf(text, sizeof text, "%.2f", row["link"] / row[over]);
+                return std::string(text);
+            };
+            std::printf("| %d | %s | %s | %s | %s | %s | %s | %s |\n", n, cell("link").c_str(), cell("hand").c_str(),
+                        cell("device").c_str(), ratio("hand").c_str(), ratio("device").c_str(), cell("openblas").c_str(),
+                        cell("nvblas").c_str());
             if (row.count("link") && row.count("openblas")) {
                 if (row["link"] < row["openblas"]) { if (from == 0) from = n; }
                 else from = 0;
@@ -495,6 +718,7 @@ int main(int argc, char** argv) {
     if (mode == "run" && argc >= 4) return run(argv[2], argv[3], argc > 4 ? std::atof(argv[4]) : 420);
     if (mode == "nvblas" && argc >= 3) return runNvblas(argv[2], argc > 3 ? std::atof(argv[3]) : 60);
     if (mode == "report" && argc >= 3) return report(argc - 2, argv + 2);
+    if (mode == "check") return selfCheck();
     std::fprintf(stderr, "usage: gpu_bench run LINK_LIBRARY OUT.csv [BUDGET_S] | nvblas OUT.csv [BUDGET_S] | report CSV...\n");
     return 2;
 }

@@ -4,6 +4,8 @@
 # on all cores, cuBLAS/cuSOLVER on device data, NVBLAS for dgemm), then its
 # tables and break-even sizes. Fits one device command: about 6 minutes, capped
 # by the budgets below (the benchmark skips what would pass them and says so).
+# Every result is checked; a GPU call that the link library retried on the CPU is
+# recorded with no time (its error lines: OUTPUT_FOLDER/gpu_bench.csv.link.log).
 # Without a GPU the benchmark says so and the script ends there, successfully.
 #   tools/run-gpu-bench.sh [OUTPUT_FOLDER]     default: $OUT when set, else build-gpu/bench-results
 # VORN_CUDA_TRANSFER=staged|registered|pageable chooses the CUDA library's host
