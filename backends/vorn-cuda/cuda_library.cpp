@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -78,12 +80,34 @@ ThreadContext* create(int& status) {
     return nullptr;
 }
 
-std::size_t sizeSetting(const char* name, std::size_t fallback) {
+// Says on stderr, once per process and setting (vornInitialize runs again after
+// a shutdown), that a setting cannot be used as given and what is used instead.
+enum SettingBit : unsigned { deviceBit = 1, transferBit = 2, stagingBit = 4, maxDeviceBit = 8 };
+void badSetting(SettingBit bit, const char* name, const char* text, const char* instead) {
+    static std::atomic<unsigned> said{0};
+    if (said.fetch_or(bit) & bit) return;
+    std::fprintf(stderr, "vorn CUDA library: %s=%s cannot be used: %s\n", name, text, instead);
+}
+
+// A number of bytes, or a device number: unset gives the fallback; text that is
+// not a decimal number gives the fallback, a number below the floor gives
+// `belowFloor`, each with its message.
+std::size_t numberSetting(SettingBit bit, const char* name, std::size_t fallback, std::size_t floor,
+                          std::size_t belowFloor, const char* instead) {
     const char* text = std::getenv(name);
     if (text == nullptr || *text == '\0') return fallback;
     char* end;
+    errno = 0;
     const unsigned long long value = std::strtoull(text, &end, 10);
-    return *end == '\0' && value > 0 ? static_cast<std::size_t>(value) : fallback;
+    if (*text < '0' || *text > '9' || *end != '\0' || errno == ERANGE) {
+        badSetting(bit, name, text, "not a decimal number; the default is used");
+        return fallback;
+    }
+    if (value < floor) {
+        badSetting(bit, name, text, instead);
+        return belowFloor;
+    }
+    return static_cast<std::size_t>(value);
 }
 
 int startFailed(int status, const char* format, const char* detail) {
@@ -119,6 +143,18 @@ std::size_t extent(const Operand& o) {
 }
 
 }  // namespace
+
+// A thread that has made no device current gets device 0 back, which is what
+// the run-time reports as its current device anyway.
+OnLibraryDevice::OnLibraryDevice() : previous(settings.device) {
+    error = cudaGetDevice(&previous);
+    if (error) previous = settings.device;
+    else if (previous != settings.device) error = cudaSetDevice(settings.device);
+    if (error) cudaGetLastError();
+}
+OnLibraryDevice::~OnLibraryDevice() {
+    if (previous != settings.device) cudaSetDevice(previous);
+}
 
 int readiness() { return ready.load(std::memory_order_acquire); }
 
@@ -341,8 +377,9 @@ int setDiagonal(ThreadContext& c, void* matrix, int n, const void* one, int elem
 
 extern "C" {
 
-// Finds the GPU and makes its context current, so that a thread's first routine
-// call pays only for its own handles. Without a GPU, or without a driver, the
+// Finds the GPU and creates its primary context, so that a thread's first routine
+// call pays only for its own handles; the calling thread's current device stays
+// as it was. Without a GPU, or without a driver, the
 // runtime's own words say what is missing.
 int vornInitialize(void) {
     if (readiness() == VORN_STATUS_SUCCESS) return VORN_STATUS_SUCCESS;
@@ -353,10 +390,19 @@ int vornInitialize(void) {
                            cudaGetErrorString(error));
     }
     if (count == 0) return startFailed(VORN_STATUS_NO_DEVICE, "no usable GPU: %s", "the CUDA runtime finds no device");
-    Settings chosen{0, defaultTransfer, sizeSetting("VORN_CUDA_STAGING_BYTES", defaultStagingBytes),
-                    sizeSetting("VORN_CUDA_MAX_DEVICE_BYTES", SIZE_MAX)};
-    if (const char* device = std::getenv("VORN_CUDA_DEVICE")) chosen.device = std::atoi(device);
-    if (chosen.device < 0 || chosen.device >= count) {
+    // A staging slot holds at least a few elements of the largest type: a smaller
+    // one could not hold one element, and chunks of a few bytes are no use.
+    char smallest[64];
+    std::snprintf(smallest, sizeof smallest, "fewer than %zu bytes; %zu are used", minimumStagingBytes,
+                  minimumStagingBytes);
+    Settings chosen{0, defaultTransfer,
+                    numberSetting(stagingBit, "VORN_CUDA_STAGING_BYTES", defaultStagingBytes, minimumStagingBytes,
+                                  minimumStagingBytes, smallest),
+                    numberSetting(maxDeviceBit, "VORN_CUDA_MAX_DEVICE_BYTES", SIZE_MAX, 1, SIZE_MAX,
+                                  "zero bytes; no limit is used")};
+    chosen.device = static_cast<int>(std::min<std::size_t>(
+        numberSetting(deviceBit, "VORN_CUDA_DEVICE", 0, 0, 0, ""), INT_MAX));
+    if (chosen.device >= count) {
         char detail[64];
         std::snprintf(detail, sizeof detail, "VORN_CUDA_DEVICE=%d, but %d GPUs found", chosen.device, count);
         return startFailed(VORN_STATUS_NO_DEVICE, "no usable GPU: %s", detail);
@@ -365,10 +411,16 @@ int vornInitialize(void) {
         if (std::strcmp(mode, "staged") == 0) chosen.transfer = Transfer::staged;
         else if (std::strcmp(mode, "registered") == 0) chosen.transfer = Transfer::registered;
         else if (std::strcmp(mode, "pageable") == 0) chosen.transfer = Transfer::pageable;
+        else if (*mode != '\0')
+            badSetting(transferBit, "VORN_CUDA_TRANSFER", mode, "not staged, registered or pageable; the default is used");
     }
     settings = chosen;
-    cudaError_t error = cudaSetDevice(settings.device);
-    if (!error) error = cudaFree(nullptr);  // creates the primary context now
+    cudaError_t error;
+    {
+        const OnLibraryDevice onDevice;
+        error = onDevice.error;
+        if (!error) error = cudaFree(nullptr);  // creates the primary context now
+    }
     if (error) {
         cudaGetLastError();
         return startFailed(VORN_STATUS_NO_DEVICE, "no usable GPU: the CUDA runtime reports: %s",
@@ -384,10 +436,13 @@ int vornInitialize(void) {
 // another thread meanwhile: the link library calls this at process exit.
 void vornShutdown(void) {
     std::lock_guard<std::mutex> hold(registryLock);
-    while (contexts != nullptr) {
-        ThreadContext* next = contexts->next;
-        destroy(contexts);
-        contexts = next;
+    if (contexts != nullptr) {
+        const OnLibraryDevice onDevice;  // the handles are destroyed on their device
+        while (contexts != nullptr) {
+            ThreadContext* next = contexts->next;
+            destroy(contexts);
+            contexts = next;
+        }
     }
     generation.fetch_add(1);
     ready.store(VORN_STATUS_NOT_INITIALIZED);

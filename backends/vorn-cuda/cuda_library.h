@@ -8,8 +8,10 @@
 //                                   (the caller's pages pinned for the call), or
 //                                   "pageable" (the driver stages them)
 //   VORN_CUDA_STAGING_BYTES=<n>     size of each of a thread's two pinned staging slots
+//                                   (at least minimumStagingBytes)
 //   VORN_CUDA_MAX_DEVICE_BYTES=<n>  most GPU memory one thread's workspace may hold; a
 //                                   call that needs more returns "out of GPU memory"
+// A setting that cannot be used is named once on stderr, with what is used instead.
 #pragma once
 
 #include <array>
@@ -27,6 +29,7 @@ enum class Transfer { staged, registered, pageable };
 // benchmark (tools/run-gpu-bench.sh, VORN_CUDA_TRANSFER per run) says otherwise.
 inline constexpr Transfer defaultTransfer = Transfer::staged;
 inline constexpr std::size_t defaultStagingBytes = std::size_t{16} << 20;
+inline constexpr std::size_t minimumStagingBytes = 256;
 
 struct Settings {
     int device;
@@ -54,6 +57,19 @@ struct ThreadContext {
     int nextSlot;
     ThreadContext* next;        // the registry's list
     bool inUse;
+};
+
+// Makes the library's device current on the calling thread while it lives, and
+// the caller's current device again afterwards: every stream, handle and byte of
+// GPU memory of the library belongs to that device, and the application's own
+// choice of device stays as it was. error: what selecting it met.
+struct OnLibraryDevice {
+    int previous;
+    cudaError_t error;
+    OnLibraryDevice();
+    ~OnLibraryDevice();
+    OnLibraryDevice(const OnLibraryDevice&) = delete;
+    OnLibraryDevice& operator=(const OnLibraryDevice&) = delete;
 };
 
 // 0 when routines may run; else the status they give (not initialised, or the

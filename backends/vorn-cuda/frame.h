@@ -207,7 +207,9 @@ inline std::size_t aligned(std::size_t bytes) { return (bytes + 255) & ~std::siz
 // whose result cuSOLVER cannot give as LAPACK does: left to the CPU), `int
 // scratchBytes(ThreadContext&, std::size_t&) const` (GPU scratch beyond the
 // operands), `int hostScratchBytes(ThreadContext&, std::size_t&) const` (pinned
-// host scratch).
+// host scratch), `bool onlyScales() const` with `void scale() const` (a result
+// that reads none of the operands that the GPU would multiply: computed on the
+// host, where it costs no more than the copies would).
 template <class Row>
 int run(const Row& row) {
     char routine[16];
@@ -221,21 +223,24 @@ int run(const Row& row) {
         if (const int info = row.numericalCheck()) return answer(info);
     }
     if (row.nothingToDo()) return answer(0);
+    if constexpr (requires { row.onlyScales(); }) {
+        if (row.onlyScales()) {
+            row.scale();
+            return answer(0);
+        }
+    }
     if constexpr (requires { row.unsupported(); }) {
         if (const char* why = row.unsupported()) return fail(VORN_STATUS_NOT_AVAILABLE, routine, "arguments", why);
     }
 
+    // The device first: a thread's context is made on the device current then, and
+    // its handles work only there. Restored last, after every other clean-up.
+    const OnLibraryDevice onDevice;
+    if (onDevice.error) return cudaFailure(onDevice.error, routine, "cudaSetDevice");
     int status = 0;
     ThreadContext* context = threadContext(status);
     if (context == nullptr) return status;
     ThreadContext& c = *context;
-    int previousDevice = settings.device;
-    cudaGetDevice(&previousDevice);
-    if (previousDevice != settings.device) cudaSetDevice(settings.device);
-    struct RestoreDevice {
-        int device;
-        ~RestoreDevice() { if (device != settings.device) cudaSetDevice(device); }
-    } restore{previousDevice};
 
     auto operands = row.operands();
     std::size_t scratch = 0;

@@ -15,6 +15,35 @@ namespace {
 
 // ---- Multiply and rank-update routines: no info; status 8 names the argument
 // that reference BLAS would give to xerbla, and the CPU library reports it.
+//
+// With alpha zero (or k zero) reference BLAS reads neither A nor B: C := beta C,
+// and trmm and trsm set B to zero. cuBLAS promises no such thing, and an Inf or
+// NaN in A or B could reach C through 0 * Inf: these results are formed on the
+// host, as reference BLAS forms them, and nothing goes to the GPU.
+
+// The product of a real or complex factor and an element, as reference BLAS's
+// Fortran forms it.
+template <class T, class S> T times(const S& s, const T& x) {
+    if constexpr (!isComplex<T>) return s * x;
+    else if constexpr (std::is_same_v<S, T>) return T{s.re * x.re - s.im * x.im, s.re * x.im + s.im * x.re};
+    else return T{s * x.re, s * x.im};
+}
+
+// C := beta C over the rows x cols part of the caller's array, or over its `uplo`
+// triangle ('U' or 'L'; '\0' for all of it). beta = 0 gives exact zeros whatever
+// C held; `hermitian` leaves the diagonal real, as herk and her2k do.
+template <class T, class S>
+void scaleOnHost(T* c, int rows, int cols, int ld, const S& beta, char uplo = '\0', bool hermitian = false) {
+    for (int j = 0; j < cols; ++j) {
+        const int first = upper(uplo) == 'L' ? j : 0, last = upper(uplo) == 'U' ? j : rows - 1;
+        for (int i = first; i <= last; ++i) {
+            T& x = c[i + std::size_t(j) * ld];
+            x = isZero(beta) ? T{} : times(beta, x);
+            if constexpr (isComplex<T>)
+                if (hermitian && i == j) x.im = 0;
+        }
+    }
+}
 
 // gemm.
 template <class T> struct Gemm {
@@ -28,6 +57,8 @@ template <class T> struct Gemm {
                              {10, ldb < atLeastOne(notb() ? k : n)}, {13, ldc < atLeastOne(m)}});
     }
     bool nothingToDo() const { return m == 0 || n == 0 || ((isZero(alpha) || k == 0) && isOne(beta)); }
+    bool onlyScales() const { return isZero(alpha) || k == 0; }
+    void scale() const { scaleOnHost(c, m, n, ldc, beta); }
     auto operands() const {
         return std::array{in(a, nota() ? m : k, nota() ? k : m, lda), in(b, notb() ? k : n, notb() ? n : k, ldb),
                           isZero(beta) ? out(c, m, n, ldc) : inOut(c, m, n, ldc)};
@@ -50,6 +81,8 @@ template <class T, bool Hermitian> struct Symm {
                              {7, lda < atLeastOne(order())}, {9, ldb < atLeastOne(m)}, {12, ldc < atLeastOne(m)}});
     }
     bool nothingToDo() const { return m == 0 || n == 0 || (isZero(alpha) && isOne(beta)); }
+    bool onlyScales() const { return isZero(alpha); }
+    void scale() const { scaleOnHost(c, m, n, ldc, beta); }
     auto operands() const {
         return std::array{in(a, order(), order(), lda), in(b, m, n, ldb),
                           isZero(beta) ? out(c, m, n, ldc) : inOut(c, m, n, ldc)};
@@ -78,6 +111,8 @@ template <class T, bool Hermitian> struct Syrk {
                              {7, lda < atLeastOne(notrans() ? n : k)}, {10, ldc < atLeastOne(n)}});
     }
     bool nothingToDo() const { return n == 0 || ((isZero(alpha) || k == 0) && isOne(beta)); }
+    bool onlyScales() const { return isZero(alpha) || k == 0; }
+    void scale() const { scaleOnHost(c, n, n, ldc, beta, uplo, Hermitian); }
     auto operands() const {
         return std::array{in(a, notrans() ? n : k, notrans() ? k : n, lda), inOut(c, n, n, ldc)};
     }
@@ -105,6 +140,8 @@ template <class T, bool Hermitian> struct Syr2k {
                              {7, lda < rows}, {9, ldb < rows}, {12, ldc < atLeastOne(n)}});
     }
     bool nothingToDo() const { return n == 0 || ((isZero(alpha) || k == 0) && isOne(beta)); }
+    bool onlyScales() const { return isZero(alpha) || k == 0; }
+    void scale() const { scaleOnHost(c, n, n, ldc, beta, uplo, Hermitian); }
     auto operands() const {
         const int rows = notrans() ? n : k, cols = notrans() ? k : n;
         return std::array{in(a, rows, cols, lda), in(b, rows, cols, ldb), inOut(c, n, n, ldc)};
@@ -133,6 +170,8 @@ template <class T, bool Solve> struct Trxm {
                              {11, ldb < atLeastOne(m)}});
     }
     bool nothingToDo() const { return m == 0 || n == 0; }
+    bool onlyScales() const { return isZero(alpha); }
+    void scale() const { scaleOnHost(b, m, n, ldb, T{}); }
     auto operands() const { return std::array{in(a, order(), order(), lda), inOut(b, m, n, ldb)}; }
     int compute(const Gpu& g) const {
         const auto al = scalar(alpha);
@@ -157,6 +196,8 @@ template <class T, bool Hermitian> struct Symv {
                              {10, incy == 0}});
     }
     bool nothingToDo() const { return n == 0 || (isZero(alpha) && isOne(beta)); }
+    bool onlyScales() const { return isZero(alpha); }
+    void scale() const { scaleOnHost(y, 1, n, incy < 0 ? -incy : incy, beta); }
     auto operands() const { return std::array{in(a, n, n, lda), vector(x, n, incx, Use::in), vector(y, n, incy, Use::inOut)}; }
     int compute(const Gpu& g) const {
         if constexpr (Hermitian)
@@ -355,6 +396,16 @@ template <class T> struct Getrf {
     }
 };
 
+// The caller's pivots, checked before anything reaches the GPU: one outside 1..n
+// would send cuSOLVER's row swaps outside the matrix there, a fault that spoils
+// the CUDA context for every later call. LAPACK's getrs and getri do not check
+// them; such a call is left to the CPU library, which does what LAPACK does.
+inline const char* pivotOutsideMatrix(const int* ipiv, int n) {
+    for (int i = 0; i < n; ++i)
+        if (ipiv[i] < 1 || ipiv[i] > n) return "a pivot outside 1..n";
+    return nullptr;
+}
+
 // getrs.
 template <class T> struct Getrs {
     using Type = T; static constexpr const char* root = "getrs";
@@ -364,6 +415,7 @@ template <class T> struct Getrs {
                              {8, ldb < atLeastOne(n)}});
     }
     bool nothingToDo() const { return n == 0 || nrhs == 0; }
+    const char* unsupported() const { return pivotOutsideMatrix(ipiv, n); }
     auto operands() const { return std::array{in(a, n, n, lda), in(ipiv, n, 1, n), inOut(b, n, nrhs, ldb)}; }
     int compute(const Gpu& g) const {
         return g.solver(Library<T>::getrs(g.context.solver, operation<T>(trans), n, nrhs, g.at<T>(0), g.ld(0),
@@ -380,6 +432,7 @@ template <class T> struct Getri {
     int illegalArgument() const { return firstIllegal({{1, n < 0}, {3, lda < atLeastOne(n)}}); }
     int numericalCheck() const { return firstZeroOnDiagonal(a, n, lda); }
     bool nothingToDo() const { return n == 0; }
+    const char* unsupported() const { return pivotOutsideMatrix(ipiv, n); }
     auto operands() const { return std::array{inOut(a, n, n, lda), in(ipiv, n, 1, n)}; }
     int scratchBytes(ThreadContext&, std::size_t& bytes) const {
         bytes = aligned(std::size_t(n) * n * sizeof(T));

@@ -11,6 +11,7 @@
 #include <complex>
 #include <functional>
 #include <gtest/gtest.h>
+#include <limits>
 #include <map>
 #include <regex>
 #include <string>
@@ -22,6 +23,8 @@
 #include "vorn_gpu_functions.h"
 #include "vorn_lapack.h"
 #ifdef VORN_CUDA_STAND_IN
+#include <cuda_runtime_api.h>
+
 #include "stand_in.h"
 #endif
 
@@ -475,6 +478,86 @@ TEST(CudaLibrary, IllegalArgumentsGiveStatusEightWithTheirPositionAndQuickReturn
     }
 }
 
+// alpha = 0 (and k = 0): C := beta C as reference BLAS gives it (only syrk's
+// triangle; herk's diagonal real), B := 0 in trmm and trsm, A and B (all Inf)
+// unread, beta = 0 giving zeros over NaN. The stand-in's OpenBLAS may skip A
+// itself: over it, nothing may reach the GPU at all.
+TEST(CudaLibrary, AlphaZeroScalesCWithoutReadingAOrB) {
+    REQUIRE_GPU();
+    constexpr int n = 4;
+    auto gpuWork = [] {
+#ifdef VORN_CUDA_STAND_IN
+        return cudaStandInCount("toDevice") + cudaStandInCount("compute");
+#endif
+        return 0L;
+    };
+    struct Row { const char* what; int (*call)(const double*, double*); double beta; char part; };
+    const Row rows[] = {
+        {"dgemm", [](auto a, auto c) { return vornDgemm('N', 'T', n, n, n, 0, a, n, a, n, 0.5, c, n); }, 0.5, 'A'},
+        {"dgemm k = 0", [](auto a, auto c) { return vornDgemm('N', 'N', n, n, 0, 1, a, n, a, 1, 0.5, c, n); }, 0.5, 'A'},
+        {"dgemm beta 0", [](auto a, auto c) { return vornDgemm('T', 'N', n, n, n, 0, a, n, a, n, 0, c, n); }, 0, 'A'},
+        {"dsymm", [](auto a, auto c) { return vornDsymm('R', 'L', n, n, 0, a, n, a, n, 0.5, c, n); }, 0.5, 'A'},
+        {"dsyrk", [](auto a, auto c) { return vornDsyrk('U', 'T', n, n, 0, a, n, 0.5, c, n); }, 0.5, 'U'},
+        {"dsyr2k k = 0", [](auto a, auto c) { return vornDsyr2k('L', 'N', n, 0, 1, a, n, a, n, 0, c, n); }, 0, 'L'},
+        {"dsymv", [](auto a, auto c) { return vornDsymv('U', n, 0, a, n, a, 1, 0.5, c, 1); }, 0.5, 'V'},
+        {"dtrmm", [](auto a, auto c) { return vornDtrmm('L', 'U', 'N', 'N', n, n, 0, a, n, c, n); }, 0, 'A'},
+        {"dtrsm", [](auto a, auto c) { return vornDtrsm('R', 'L', 'T', 'U', n, n, 0, a, n, c, n); }, 0, 'A'},
+    };
+    const std::vector<double> a(n * n, std::numeric_limits<double>::infinity());
+    for (const Row& row : rows) {
+        auto c = matrix<double>(n, n, n, 40), expected = c;
+        if (row.beta == 0) c[0] = std::nan("");
+        for (int i = 0, p = row.part; i < n * n; ++i)
+            if (p == 'A' || (p == 'U' && i % n <= i / n) || (p == 'L' && i % n >= i / n) || (p == 'V' && i < n))
+                expected[i] *= row.beta;
+        const long before = gpuWork();
+        EXPECT_EQ(row.call(a.data(), c.data()), 0) << row.what;
+        EXPECT_EQ(gpuWork(), before) << row.what;
+        EXPECT_EQ(c, expected) << row.what;
+    }
+    std::vector<Z> h = {{1, 1.5}, {2, 3}, {4, 5}, {6, -1.5}}, infinite(4, Z(a[0], a[0]));
+    EXPECT_EQ(vornZherk('U', 'C', 2, 2, 0, gpu(infinite.data()), 2, 0.5, gpu(h.data()), 2), 0);
+    EXPECT_EQ(h, (std::vector<Z>{{0.5, 0}, {2, 3}, {2, 2.5}, {3, 0}}));
+}
+
+// Pivots outside 1..n, which LAPACK's getrs and getri do not check (and which
+// would fault on the GPU), are left to the CPU library: nothing touched.
+TEST(CudaLibrary, PivotsOutsideTheMatrixAreLeftToTheCpu) {
+    REQUIRE_GPU();
+    const int n = 4;
+    auto a = matrix<double>(n, n, n, 41), b = matrix<double>(n, 1, n, 42);
+    const auto aBefore = a, bBefore = b;
+    for (const auto& ipiv : {std::vector<int>{1, 2, 0, 4}, std::vector<int>{4, 5, 3, 4}}) {
+        EXPECT_EQ(vornDgetrs('N', n, 1, a.data(), n, ipiv.data(), b.data(), n), VORN_STATUS_NOT_AVAILABLE);
+        EXPECT_EQ(vornDgetri(n, a.data(), n, ipiv.data()), VORN_STATUS_NOT_AVAILABLE);
+    }
+    EXPECT_EQ(a, aBefore);
+    EXPECT_EQ(b, bBefore);
+}
+
+// Staging slots too small for an element are raised to the smallest size, said
+// once on stderr however often the library starts; getri, which writes its
+// identity through them, gives OpenBLAS's answer.
+TEST(CudaLibrary, TooSmallStagingSlotsAreRaisedAndSaidOnce) {
+    setEnv("VORN_CUDA_STAGING_BYTES", "1");
+    testing::internal::CaptureStderr();
+    const int status = vornInitialize();
+    vornShutdown();
+    vornInitialize();
+    const std::string said = testing::internal::GetCapturedStderr();
+    if (status) GTEST_SKIP() << "no GPU: " << vornGetStatusString(status);
+    EXPECT_TRUE(said.find("VORN_CUDA_STAGING_BYTES=1 ") == said.rfind("VORN_CUDA_STAGING") && !said.empty()) << said;
+    const int n = 40, lwork = 64 * n;
+    auto a = matrix<double>(n, n, n, 43), work = std::vector<double>(lwork);
+    std::vector<int> ipiv(n);
+    int info = 0;
+    dgetrf_(&n, &n, a.data(), &n, ipiv.data(), &info);
+    auto expected = a;
+    dgetri_(&n, expected.data(), &n, ipiv.data(), work.data(), &lwork, &info);
+    ASSERT_EQ(vornDgetri(n, a.data(), n, ipiv.data()), 0);
+    expectClose(a, expected, n);
+}
+
 // Threads call at once, each with its own sizes; each gets OpenBLAS's answer and
 // its own info. Threads that exit give their contexts back for shutdown to free,
 // and the library starts again afterwards.
@@ -590,6 +673,28 @@ TEST_P(CudaTransferModes, FailuresLeaveTheArraysAsTheyWere) {
                 for (int i = 1; i <= count; ++i) expectFailureLeavesArrays(c, clean, kind, i, !chunked && kind == "wait");
         }
     }
+}
+
+// Over two devices: whichever is the library's (VORN_CUDA_DEVICE) and whichever
+// the calling thread has made current, calls run on the library's (the stand-in
+// refuses streams, handles and memory of another), and vornInitialize and every
+// call leave the thread's current device as it was.
+TEST(CudaStandInDevices, CallsRunOnTheLibrarysDeviceAndLeaveTheCallersOwn) {
+    for (const int library : {0, 1})
+        for (const int application : {1, 0}) {
+            SCOPED_TRACE(testing::Message() << "library " << library << ", application " << application);
+            vornShutdown();
+            setEnv("VORN_CUDA_DEVICE", std::to_string(library));
+            ASSERT_EQ(cudaSetDevice(application), cudaSuccess);
+            ASSERT_EQ(vornInitialize(), 0);
+            int device = -1;
+            EXPECT_TRUE(cudaGetDevice(&device) == cudaSuccess && device == application);
+            ASSERT_EQ(cudaSetDevice(application), cudaSuccess);  // whatever vornInitialize left
+            double x = 2;
+            EXPECT_EQ(vornDgemm('N', 'N', 1, 1, 1, 1, &x, 1, &x, 1, 0, &x, 1), 0);
+            EXPECT_EQ(x, 4);
+            EXPECT_TRUE(cudaGetDevice(&device) == cudaSuccess && device == application);
+        }
 }
 
 // The workspace grows to the largest call and stays: calls of that size or

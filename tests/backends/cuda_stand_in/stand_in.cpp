@@ -1,5 +1,9 @@
 // The CUDA stand-in (stand_in.h): one model of a GPU behind its run-time, cuBLAS
-// and cuSOLVER parts. One device; device memory that is checked on every use;
+// and cuSOLVER parts. Two devices, a current one per thread, and streams,
+// events, handles and device memory that belong to the device current at their
+// creation and refuse work while another one is current (as the handles of
+// cuBLAS and cuSOLVER do, and memory without peer access); device memory that is
+// checked on every use;
 // pinned memory; streams that hold work until someone waits; copies and the last
 // error; the failures a test has asked for. Every cuBLAS and cuSOLVER routine
 // checks that its operands lie in device memory, reads its scalars at the call
@@ -28,13 +32,18 @@
 
 #include "stand_in.h"
 
+// Each thread's current device, as cudaSetDevice leaves it (0 until then).
+constexpr int deviceCount = 2;
+static thread_local int currentDevice = 0;
+
 struct CUstream_st {
+    int device = currentDevice;
     std::deque<std::function<void()>> pending;
     std::uint64_t issued = 0, finished = 0;
 };
 struct CUevent_st { CUstream_st* stream = nullptr; std::uint64_t at = 0; };
-struct cublasContext { cudaStream_t stream = nullptr; };
-struct cusolverDnContext { cudaStream_t stream = nullptr; };
+struct cublasContext { int device = currentDevice; cudaStream_t stream = nullptr; };
+struct cusolverDnContext { int device = currentDevice; cudaStream_t stream = nullptr; };
 
 using C = cuComplex;
 using Z = cuDoubleComplex;
@@ -44,19 +53,31 @@ namespace {
 
 std::mutex lock;  // the registries, the counts and the failure plan
 std::map<const char*, size_t> deviceBlocks, pinnedBlocks;  // start -> bytes
+std::map<const char*, int> blockDevice;                    // device block start -> its device
 std::map<std::string, long> counts;
 std::map<std::string, std::set<long>> failAt;  // kind -> the counts at which it fails
 
-// Whether [p, p + bytes) lies inside one block of a registry.
+// Whether [p, p + bytes) lies inside one block of a registry; device memory
+// must also belong to the calling thread's current device.
 bool within(const std::map<const char*, size_t>& blocks, const void* p, size_t bytes) {
     const char* c = static_cast<const char*>(p);
     std::lock_guard<std::mutex> hold(lock);
     auto next = blocks.upper_bound(c);
     if (next == blocks.begin()) return false;
     --next;
-    return c >= next->first && c + bytes <= next->first + next->second;
+    return c >= next->first && c + bytes <= next->first + next->second &&
+           (&blocks != &deviceBlocks || blockDevice[next->first] == currentDevice);
 }
 bool onDevice(const void* p, size_t bytes) { return within(deviceBlocks, p, bytes); }
+
+// Whether a stream, event or handle made on `device` may be used now; says
+// which is not on stderr.
+bool current(int device, const char* what, const char* function) {
+    if (device == currentDevice) return true;
+    std::fprintf(stderr, "cuda stand-in: %s: %s of device %d used while device %d is current\n", function, what,
+                 device, currentDevice);
+    return false;
+}
 
 // Counts a call of a kind and says whether a test has asked it to fail.
 bool failsNow(const char* kind) {
@@ -95,6 +116,7 @@ void* allocate(std::map<const char*, size_t>& blocks, size_t bytes, size_t align
 cudaError_t release(std::map<const char*, size_t>& blocks, void* p) {
     std::lock_guard<std::mutex> hold(lock);
     if (blocks.erase(static_cast<char*>(p)) == 0) return cudaErrorInvalidValue;
+    blockDevice.erase(static_cast<char*>(p));
     std::free(p);
     return cudaSuccess;
 }
@@ -105,6 +127,7 @@ cudaError_t release(std::map<const char*, size_t>& blocks, void* p) {
 cudaError_t copy(void* dst, size_t dstPitch, const void* src, size_t srcPitch, size_t width, size_t height,
                  cudaMemcpyKind kind, cudaStream_t stream, const char* function) {
     if (width == 0 || height == 0) return cudaSuccess;
+    if (!current(stream->device, "a stream", function)) return cudaErrorInvalidResourceHandle;
     const size_t dstBytes = dstPitch * (height - 1) + width, srcBytes = srcPitch * (height - 1) + width;
     const bool toHost = kind == cudaMemcpyDeviceToHost, toDevice = kind == cudaMemcpyHostToDevice;
     if (dstPitch < width || srcPitch < width || onDevice(dst, dstBytes) == toHost ||
@@ -186,6 +209,7 @@ auto launch(Handle h, const char* f, std::initializer_list<Operand> operands, Wo
         if constexpr (std::is_same_v<Handle, cublasHandle_t>) return blas; else return solver;
     };
     if (h == nullptr) return as(CUBLAS_STATUS_NOT_INITIALIZED, CUSOLVER_STATUS_NOT_INITIALIZED);
+    if (!current(h->device, "a handle", f)) return as(CUBLAS_STATUS_INVALID_VALUE, CUSOLVER_STATUS_INVALID_VALUE);
     for (const Operand& o : operands)
         if (!o.onDevice(f)) return as(CUBLAS_STATUS_INVALID_VALUE, CUSOLVER_STATUS_INVALID_VALUE);
     if (failsNow("compute")) return as(CUBLAS_STATUS_EXECUTION_FAILED, CUSOLVER_STATUS_EXECUTION_FAILED);
@@ -643,9 +667,13 @@ long cudaStandInCount(const char* kind) {
 
 // ---- The run-time
 
-cudaError_t cudaGetDeviceCount(int* count) { *count = 1; return cudaSuccess; }
-cudaError_t cudaSetDevice(int device) { return device == 0 ? cudaSuccess : cudaErrorInvalidDevice; }
-cudaError_t cudaGetDevice(int* device) { *device = 0; return cudaSuccess; }
+cudaError_t cudaGetDeviceCount(int* count) { *count = deviceCount; return cudaSuccess; }
+cudaError_t cudaSetDevice(int device) {
+    if (device < 0 || device >= deviceCount) return cudaErrorInvalidDevice;
+    currentDevice = device;
+    return cudaSuccess;
+}
+cudaError_t cudaGetDevice(int* device) { *device = currentDevice; return cudaSuccess; }
 cudaError_t cudaGetLastError(void) { return cudaSuccess; }  // every error here is one call's own
 const char* cudaGetErrorString(cudaError_t error) { return error == cudaSuccess ? "no error" : "stand-in CUDA error"; }
 
@@ -653,6 +681,8 @@ const char* cudaGetErrorString(cudaError_t error) { return error == cudaSuccess 
 cudaError_t cudaMalloc(void** p, size_t bytes) {
     *p = failsNow("allocate") ? nullptr : allocate(deviceBlocks, bytes, 256);
     if (*p != nullptr) std::memset(*p, 0xA5, bytes);
+    std::lock_guard<std::mutex> hold(lock);
+    if (*p != nullptr) blockDevice[static_cast<char*>(*p)] = currentDevice;
     return *p != nullptr ? cudaSuccess : cudaErrorMemoryAllocation;
 }
 cudaError_t cudaFree(void* p) { return p == nullptr ? cudaSuccess : release(deviceBlocks, p); }
@@ -705,6 +735,7 @@ cudaError_t cudaMemsetAsync(void* p, int value, size_t count, cudaStream_t strea
 }
 cudaError_t cudaMemset2DAsync(void* p, size_t pitch, int value, size_t width, size_t height, cudaStream_t stream) {
     if (width == 0 || height == 0) return cudaSuccess;
+    if (!current(stream->device, "a stream", "cudaMemset")) return cudaErrorInvalidResourceHandle;
     if (pitch < width || !onDevice(p, pitch * (height - 1) + width)) {
         std::fprintf(stderr, "cuda stand-in: cudaMemset: not device memory\n");
         return cudaErrorInvalidValue;
