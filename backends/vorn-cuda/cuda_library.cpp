@@ -400,6 +400,9 @@ int vornInitialize(void) {
                                   minimumStagingBytes, smallest),
                     numberSetting(maxDeviceBit, "VORN_CUDA_MAX_DEVICE_BYTES", SIZE_MAX, 1, SIZE_MAX,
                                   "zero bytes; no limit is used")};
+    // Whole multiples of 64 bytes, so that the second slot and the info word kept
+    // behind both stay aligned for any element type.
+    chosen.stagingBytes = std::min<std::size_t>(chosen.stagingBytes, SIZE_MAX / 4) / 64 * 64;
     chosen.device = static_cast<int>(std::min<std::size_t>(
         numberSetting(deviceBit, "VORN_CUDA_DEVICE", 0, 0, 0, ""), INT_MAX));
     if (chosen.device >= count) {
