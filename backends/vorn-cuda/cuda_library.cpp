@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
+#include <pthread.h>
 
 Settings settings{0, defaultTransfer, defaultStagingBytes, SIZE_MAX};
 
@@ -42,6 +43,16 @@ thread_local Lease lease;
 thread_local int errorInfo;
 thread_local int failureStatus = -1;
 thread_local char failureText[320];
+
+// Whether a context's streams, handles and memory still exist: an application's
+// cudaDeviceReset destroys them all, its pinned staging slots with them, which
+// the run-time tells from the address alone, without touching any of them.
+bool alive(const ThreadContext* c) {
+    cudaPointerAttributes attributes{};
+    const cudaError_t error = cudaPointerGetAttributes(&attributes, c->staging);
+    if (error) cudaGetLastError();
+    return !error && attributes.type == cudaMemoryTypeHost;
+}
 
 void destroy(ThreadContext* c) {
     if (c->solver != nullptr) cusolverDnDestroy(c->solver);
@@ -114,6 +125,30 @@ int startFailed(int status, const char* format, const char* detail) {
     std::snprintf(startFailure, sizeof startFailure, format, detail);
     ready.store(status);
     return status;
+}
+
+// CUDA does not survive fork: a child of a process that has started it inherits
+// contexts whose streams, handles and memory it cannot use. The child forgets
+// them without a CUDA call (they are the parent's), and from then on its
+// routines and vornInitialize refuse, so that the link library runs them on the
+// CPU and its shutdown has nothing to destroy. The registry is held across fork,
+// so that the child's copy is not one that another thread of the parent held.
+// The child's handler does only what is safe in a child of many threads.
+std::atomic<bool> forked{false};
+constexpr char inheritedState[] = "no usable GPU: a forked child cannot use the CUDA state of its parent";
+int refuseInChild() {
+    std::memcpy(startFailure, inheritedState, sizeof inheritedState);
+    ready.store(VORN_STATUS_NO_DEVICE);
+    return VORN_STATUS_NO_DEVICE;
+}
+void beforeFork() { registryLock.lock(); }
+void afterForkInParent() { registryLock.unlock(); }
+void afterForkInChild() {
+    registryLock.unlock();
+    contexts = nullptr;
+    generation.fetch_add(1);
+    forked.store(true);
+    refuseInChild();
 }
 
 // Bytes [from, from + count) of the dense column-major image of an operand,
@@ -383,6 +418,9 @@ extern "C" {
 // runtime's own words say what is missing.
 int vornInitialize(void) {
     if (readiness() == VORN_STATUS_SUCCESS) return VORN_STATUS_SUCCESS;
+    if (forked.load()) return refuseInChild();
+    static const bool watchingForks = pthread_atfork(beforeFork, afterForkInParent, afterForkInChild) == 0;
+    (void)watchingForks;
     int count = 0;
     if (cudaError_t error = cudaGetDeviceCount(&count)) {
         cudaGetLastError();
@@ -436,14 +474,16 @@ int vornInitialize(void) {
 
 // Destroys every context, those of threads that have exited included; a thread
 // that calls again afterwards finds its lease out of date. Nothing may run on
-// another thread meanwhile: the link library calls this at process exit.
+// another thread meanwhile: the link library calls this at process exit. A
+// context that a device reset has destroyed already is only forgotten.
 void vornShutdown(void) {
     std::lock_guard<std::mutex> hold(registryLock);
     if (contexts != nullptr) {
         const OnLibraryDevice onDevice;  // the handles are destroyed on their device
         while (contexts != nullptr) {
             ThreadContext* next = contexts->next;
-            destroy(contexts);
+            if (alive(contexts)) destroy(contexts);
+            else delete contexts;
             contexts = next;
         }
     }

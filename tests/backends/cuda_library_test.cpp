@@ -5,7 +5,7 @@
 // and calls from many threads. (Every function's results, Hermitian diagonals and
 // converged mixed-precision solves included: the family tests through the link
 // library, over the stand-in and on a GPU.) Built with VORN_CUDA_STAND_IN, over
-// the stand-in only: failures at each step.
+// the stand-in only: failures at each step, a forked child and a device reset.
 #include <algorithm>
 #include <cmath>
 #include <complex>
@@ -24,6 +24,8 @@
 #include "vorn_lapack.h"
 #ifdef VORN_CUDA_STAND_IN
 #include <cuda_runtime_api.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include "stand_in.h"
 #endif
@@ -722,5 +724,36 @@ TEST(CudaStandInWorkspace, NoDeviceAllocationPerCallInSteadyState) {
     gemmOf(300, VORN_STATUS_OUT_OF_MEMORY);  // 2,160,256 bytes, over the limit
     EXPECT_NE(std::string(vornGetStatusString(VORN_STATUS_OUT_OF_MEMORY)).find("VORN_CUDA_MAX_DEVICE_BYTES"),
               std::string::npos);
+}
+
+// A forked child inherits the parent's contexts but no GPU: its routines refuse
+// with a failure status and its shutdown has nothing to destroy, without a CUDA
+// call (the stand-in counts every one as misuse); the parent goes on.
+TEST(CudaStandInProcess, AForkedChildRefusesWithoutTouchingCuda) {
+    ASSERT_EQ(vornInitialize(), 0);
+    double x = 2;
+    auto square = [&x] { return vornDgemm('N', 'N', 1, 1, 1, 1, &x, 1, &x, 1, 0, &x, 1); };
+    ASSERT_EQ(square(), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        const bool refused = square() == VORN_STATUS_NO_DEVICE && x == 4 && vornInitialize() == VORN_STATUS_NO_DEVICE;
+        vornShutdown();
+        std::exit(refused && cudaStandInCount("misuse") == 0 ? 0 : 1);
+    }
+    int status = -1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    EXPECT_TRUE(square() == 0 && x == 16);
+}
+
+// An application's cudaDeviceReset destroys the library's streams, handles and
+// memory: shutdown afterwards destroys none of them again.
+TEST(CudaStandInProcess, ShutdownAfterTheApplicationResetsTheDevice) {
+    ASSERT_EQ(vornInitialize(), 0);
+    double x = 2;
+    ASSERT_EQ(vornDgemm('N', 'N', 1, 1, 1, 1, &x, 1, &x, 1, 0, &x, 1), 0);
+    ASSERT_EQ(cudaDeviceReset(), cudaSuccess);
+    vornShutdown();
+    EXPECT_EQ(cudaStandInCount("misuse"), 0);
 }
 #endif

@@ -8,8 +8,11 @@
 // error; the failures a test has asked for. Every cuBLAS and cuSOLVER routine
 // checks that its operands lie in device memory, reads its scalars at the call
 // (host pointer mode), and puts the reference computation, OpenBLAS's Fortran
-// routine, on the handle's stream.
+// routine, on the handle's stream. A forked child's CUDA calls and the use of an
+// object that a device reset has destroyed fail, and are named and counted
+// ("misuse").
 #include <algorithm>
+#include <atomic>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -27,6 +30,7 @@
 #include <tuple>
 #include <string>
 #include <type_traits>
+#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -35,15 +39,20 @@
 // Each thread's current device, as cudaSetDevice leaves it (0 until then).
 constexpr int deviceCount = 2;
 static thread_local int currentDevice = 0;
+static int resets[deviceCount];  // cudaDeviceReset calls: an object of an older count is gone
 
 struct CUstream_st {
-    int device = currentDevice;
+    int device = currentDevice, epoch = resets[currentDevice];
     std::deque<std::function<void()>> pending;
     std::uint64_t issued = 0, finished = 0;
 };
-struct CUevent_st { CUstream_st* stream = nullptr; std::uint64_t at = 0; };
-struct cublasContext { int device = currentDevice; cudaStream_t stream = nullptr; };
-struct cusolverDnContext { int device = currentDevice; cudaStream_t stream = nullptr; };
+struct CUevent_st {
+    CUstream_st* stream = nullptr;
+    std::uint64_t at = 0;
+    int device = currentDevice, epoch = resets[currentDevice];
+};
+struct cublasContext { int device = currentDevice, epoch = resets[currentDevice]; cudaStream_t stream = nullptr; };
+struct cusolverDnContext { int device = currentDevice, epoch = resets[currentDevice]; cudaStream_t stream = nullptr; };
 
 using C = cuComplex;
 using Z = cuDoubleComplex;
@@ -77,6 +86,29 @@ bool current(int device, const char* what, const char* function) {
     std::fprintf(stderr, "cuda stand-in: %s: %s of device %d used while device %d is current\n", function, what,
                  device, currentDevice);
     return false;
+}
+
+// Names a misuse on stderr and counts it.
+void misuse(const char* function, const char* what) {
+    std::fprintf(stderr, "cuda stand-in: %s: %s\n", function, what);
+    std::lock_guard<std::mutex> hold(lock);
+    ++counts["misuse"];
+}
+// Whether the calling process is a forked child of the one that made the first
+// CUDA call (CUDA does not survive fork). Checked where the library's every way
+// into CUDA begins: the device count, the current device, and the copies.
+bool inherited(const char* function) {
+    static std::atomic<pid_t> startedIn{0};
+    pid_t expected = 0;
+    if (startedIn.compare_exchange_strong(expected, getpid()) || expected == getpid()) return false;
+    misuse(function, "CUDA called in a forked child of the process that started it");
+    return true;
+}
+// Whether an object was made before its device's last reset.
+template <class Object> bool stale(const Object* o, const char* function) {
+    if (o->epoch == resets[o->device]) return false;
+    misuse(function, "an object destroyed by cudaDeviceReset");
+    return true;
 }
 
 // Counts a call of a kind and says whether a test has asked it to fail.
@@ -114,8 +146,12 @@ void* allocate(std::map<const char*, size_t>& blocks, size_t bytes, size_t align
     return block;
 }
 cudaError_t release(std::map<const char*, size_t>& blocks, void* p) {
-    std::lock_guard<std::mutex> hold(lock);
-    if (blocks.erase(static_cast<char*>(p)) == 0) return cudaErrorInvalidValue;
+    std::unique_lock<std::mutex> hold(lock);
+    if (blocks.erase(static_cast<char*>(p)) == 0) {
+        hold.unlock();
+        misuse("cudaFree or cudaFreeHost", "not a live block");
+        return cudaErrorInvalidValue;
+    }
     blockDevice.erase(static_cast<char*>(p));
     std::free(p);
     return cudaSuccess;
@@ -126,6 +162,7 @@ cudaError_t release(std::map<const char*, size_t>& blocks, void* p) {
 // after the stream's earlier work, if not.
 cudaError_t copy(void* dst, size_t dstPitch, const void* src, size_t srcPitch, size_t width, size_t height,
                  cudaMemcpyKind kind, cudaStream_t stream, const char* function) {
+    if (inherited(function)) return cudaErrorInitializationError;
     if (width == 0 || height == 0) return cudaSuccess;
     if (!current(stream->device, "a stream", function)) return cudaErrorInvalidResourceHandle;
     const size_t dstBytes = dstPitch * (height - 1) + width, srcBytes = srcPitch * (height - 1) + width;
@@ -667,13 +704,19 @@ long cudaStandInCount(const char* kind) {
 
 // ---- The run-time
 
-cudaError_t cudaGetDeviceCount(int* count) { *count = deviceCount; return cudaSuccess; }
+cudaError_t cudaGetDeviceCount(int* count) {
+    *count = deviceCount;
+    return inherited(__func__) ? cudaErrorInitializationError : cudaSuccess;
+}
 cudaError_t cudaSetDevice(int device) {
     if (device < 0 || device >= deviceCount) return cudaErrorInvalidDevice;
     currentDevice = device;
     return cudaSuccess;
 }
-cudaError_t cudaGetDevice(int* device) { *device = currentDevice; return cudaSuccess; }
+cudaError_t cudaGetDevice(int* device) {
+    *device = currentDevice;
+    return inherited(__func__) ? cudaErrorInitializationError : cudaSuccess;
+}
 cudaError_t cudaGetLastError(void) { return cudaSuccess; }  // every error here is one call's own
 const char* cudaGetErrorString(cudaError_t error) { return error == cudaSuccess ? "no error" : "stand-in CUDA error"; }
 
@@ -708,13 +751,37 @@ cudaError_t cudaHostUnregister(void* p) {
 
 cudaError_t cudaStreamCreateWithFlags(cudaStream_t* stream, unsigned int) { *stream = new CUstream_st; return cudaSuccess; }
 cudaError_t cudaStreamDestroy(cudaStream_t stream) {
+    if (stale(stream, __func__)) return cudaErrorInvalidResourceHandle;
     drain(stream, UINT64_MAX);
     delete stream;
     return cudaSuccess;
 }
 cudaError_t cudaStreamSynchronize(cudaStream_t stream) { return wait(stream, UINT64_MAX); }
 cudaError_t cudaEventCreateWithFlags(cudaEvent_t* event, unsigned int) { *event = new CUevent_st; return cudaSuccess; }
-cudaError_t cudaEventDestroy(cudaEvent_t event) { delete event; return cudaSuccess; }
+cudaError_t cudaEventDestroy(cudaEvent_t event) {
+    if (stale(event, __func__)) return cudaErrorInvalidResourceHandle;
+    delete event;
+    return cudaSuccess;
+}
+// Forgets the current device's memory and every pinned block (left allocated:
+// whatever still points there must not be freed again) and outdates its objects.
+cudaError_t cudaDeviceReset(void) {
+    std::lock_guard<std::mutex> hold(lock);
+    for (auto block = blockDevice.begin(); block != blockDevice.end();)
+        if (block->second == currentDevice) {
+            deviceBlocks.erase(block->first);
+            block = blockDevice.erase(block);
+        } else ++block;
+    pinnedBlocks.clear();
+    ++resets[currentDevice];
+    return cudaSuccess;
+}
+cudaError_t cudaPointerGetAttributes(cudaPointerAttributes* attributes, const void* p) {
+    *attributes = {};
+    attributes->type = onDevice(p, 1) ? cudaMemoryTypeDevice
+                     : within(pinnedBlocks, p, 1) ? cudaMemoryTypeHost : cudaMemoryTypeUnregistered;
+    return cudaSuccess;
+}
 cudaError_t cudaEventRecord(cudaEvent_t event, cudaStream_t stream) {
     *event = {stream, stream->issued};
     return cudaSuccess;
@@ -749,7 +816,11 @@ cudaError_t cudaMemset2DAsync(void* p, size_t pitch, int value, size_t width, si
 // ---- cuBLAS
 
 cublasStatus_t cublasCreate_v2(cublasHandle_t* handle) { *handle = new cublasContext; return CUBLAS_STATUS_SUCCESS; }
-cublasStatus_t cublasDestroy_v2(cublasHandle_t handle) { delete handle; return CUBLAS_STATUS_SUCCESS; }
+cublasStatus_t cublasDestroy_v2(cublasHandle_t handle) {
+    if (stale(handle, __func__)) return CUBLAS_STATUS_NOT_INITIALIZED;
+    delete handle;
+    return CUBLAS_STATUS_SUCCESS;
+}
 cublasStatus_t cublasSetStream_v2(cublasHandle_t handle, cudaStream_t stream) {
     handle->stream = stream;
     return CUBLAS_STATUS_SUCCESS;
@@ -773,7 +844,11 @@ STAND_IN_EACH_TYPE(STAND_IN_GEAM)
 // ---- cuSOLVER
 
 cusolverStatus_t cusolverDnCreate(cusolverDnHandle_t* handle) { *handle = new cusolverDnContext; return CUSOLVER_STATUS_SUCCESS; }
-cusolverStatus_t cusolverDnDestroy(cusolverDnHandle_t handle) { delete handle; return CUSOLVER_STATUS_SUCCESS; }
+cusolverStatus_t cusolverDnDestroy(cusolverDnHandle_t handle) {
+    if (stale(handle, __func__)) return CUSOLVER_STATUS_NOT_INITIALIZED;
+    delete handle;
+    return CUSOLVER_STATUS_SUCCESS;
+}
 cusolverStatus_t cusolverDnSetStream(cusolverDnHandle_t handle, cudaStream_t stream) {
     handle->stream = stream;
     return CUSOLVER_STATUS_SUCCESS;

@@ -15,6 +15,8 @@ extern "C" {
 // work met), "allocate" (cudaMalloc).
 void cudaStandInFailAt(const char* kind, int n);
 
-// How many calls of a kind have been made: the kinds above, and "allocate".
+// How many calls of a kind have been made: the kinds above, and "misuse" (a CUDA
+// call in a forked child, an object used after a device reset, a free of memory
+// that is not allocated).
 long cudaStandInCount(const char* kind);
 }
