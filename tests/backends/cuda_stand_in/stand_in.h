@@ -15,6 +15,7 @@ extern "C" {
 // work met), "allocate" (cudaMalloc).
 void cudaStandInFailAt(const char* kind, int n);
 
-// How many calls of a kind have been made: the kinds above, and "allocate".
+// How many calls of a kind have been made: the kinds above, and "unpinned"
+// (host pages unregistered while a queued copy still uses them).
 long cudaStandInCount(const char* kind);
 }
