@@ -9,8 +9,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <map>
 #include <mutex>
 #include <pthread.h>
+#include <unistd.h>
 
 Settings settings{0, defaultTransfer, defaultStagingBytes, SIZE_MAX};
 
@@ -305,20 +307,17 @@ int upload(ThreadContext& c, const Operand& o, const char* routine) {
     return 0;
 }
 
-// Staged: chunk k is in flight while chunk k - 1 is copied out of its slot.
-int download(ThreadContext& c, const Operand& o, const char* routine) {
+namespace {
+
+// Staged, larger than the slots: chunk k is in flight while chunk k - 1 is
+// copied out of its slot into the caller's array.
+int downloadChunked(ThreadContext& c, const Operand& o, const char* routine, bool& touched) {
     const char* device = c.device + o.offset;
-    if (settings.transfer != Transfer::staged) {
-        const std::size_t row = std::size_t(o.rows) * o.elementSize;
-        cudaError_t error = cudaMemcpy2DAsync(const_cast<void*>(o.host), std::size_t(o.ld) * o.elementSize, device,
-                                              row, row, o.cols, cudaMemcpyDeviceToHost, c.stream);
-        if (!error) error = cudaStreamSynchronize(c.stream);
-        return error ? cudaFailure(error, routine, "cudaMemcpy2DAsync from the GPU") : 0;
-    }
     const std::size_t total = o.bytes();
     struct Chunk { int slot; std::size_t from, count; } previous{-1, 0, 0};
     auto drain = [&](const Chunk& chunk) -> int {
         if (cudaError_t error = cudaEventSynchronize(c.slotFree[chunk.slot])) return cudaFailure(error, routine, "cudaEventSynchronize");
+        touched = true;
         scatter(o, c.staging + chunk.slot * settings.stagingBytes, chunk.from, chunk.count);
         return 0;
     };
@@ -343,7 +342,8 @@ bool fitsInStaging(const Operand* const* outputs, int count) {
     return total <= 2 * settings.stagingBytes;
 }
 
-// The two slots lie end to end: the outputs go there one after another.
+// The two slots lie end to end: the outputs go there one after another, and
+// reach the caller's arrays only once all have arrived.
 int downloadTogether(ThreadContext& c, const Operand* const* outputs, int count, const char* routine) {
     for (cudaEvent_t slot : c.slotFree)
         if (cudaError_t error = cudaEventSynchronize(slot)) return cudaFailure(error, routine, "cudaEventSynchronize");
@@ -373,21 +373,91 @@ int downloadTogether(ThreadContext& c, const Operand* const* outputs, int count,
     return 0;
 }
 
-int pin(ThreadContext&, const Operand& o, bool& pinned, const char* routine) {
-    pinned = false;
+// The library's registrations of the caller's pages, by start: their length and
+// how many operands of calls in progress hold them. Registering runs under the
+// lock too, so that two threads never both find the same pages free.
+struct Registration { std::size_t bytes; int holders; };
+std::mutex registrationLock;
+std::map<const char*, Registration> registrations;
+
+}  // namespace
+
+int downloadAll(ThreadContext& c, const Operand* const* outputs, int count, const char* routine, bool& touched) {
+    touched = false;
+    if (fitsInStaging(outputs, count)) return downloadTogether(c, outputs, count, routine);
+    if (settings.transfer == Transfer::staged) {
+        for (int i = 0; i < count; ++i)
+            if (int status = downloadChunked(c, *outputs[i], routine, touched)) return status;
+        return 0;
+    }
+    // All queued, then one wait. A copy to pageable memory may write part of its
+    // array before it fails, and one to registered memory runs when the stream
+    // gets to it, ahead of a later one's failure: from the first copy on, the
+    // caller's arrays may be written.
+    touched = true;
+    for (int i = 0; i < count; ++i) {
+        const Operand& o = *outputs[i];
+        const std::size_t row = std::size_t(o.rows) * o.elementSize;
+        if (cudaError_t error = cudaMemcpy2DAsync(const_cast<void*>(o.host), std::size_t(o.ld) * o.elementSize,
+                                                  c.device + o.offset, row, row, o.cols, cudaMemcpyDeviceToHost,
+                                                  c.stream))
+            return cudaFailure(error, routine, "cudaMemcpy2DAsync from the GPU");
+    }
+    if (cudaError_t error = cudaStreamSynchronize(c.stream)) return cudaFailure(error, routine, "cudaStreamSynchronize");
+    return 0;
+}
+
+void partlyWritten(const char* routine) {
+    std::fprintf(stderr,
+                 "vorn CUDA library: %s: copying the results back failed twice after part of them was written to "
+                 "the caller's arrays (%s); an input is partly overwritten, so neither an answer nor a retry on "
+                 "the CPU would be right: stopping\n",
+                 routine, failureText);
+    std::abort();
+}
+
+// Holds every registration of the library on the operand's pages (the run-time
+// registers whole pages); registers the extent only when there is none. An
+// operand only partly inside them is copied as the run-time finds its pages at
+// the call, and the ones it finds locked stay so until the call ends.
+int pin(ThreadContext&, const Operand& o, std::vector<const char*>& held, const char* routine) {
+    held.clear();
     if (settings.transfer != Transfer::registered || o.bytes() == 0) return 0;
-    cudaError_t error = cudaHostRegister(const_cast<void*>(o.host), extent(o), cudaHostRegisterDefault);
-    if (error == cudaErrorHostMemoryAlreadyRegistered) {  // the caller's own pinned memory, or an operand twice
+    const char* start = static_cast<const char*>(o.host);
+    const std::size_t bytes = extent(o);
+    static const std::uintptr_t page = std::uintptr_t(sysconf(_SC_PAGESIZE));
+    const char* first = start - reinterpret_cast<std::uintptr_t>(start) % page;
+    const char* last = start + bytes + (page - reinterpret_cast<std::uintptr_t>(start + bytes) % page) % page;
+    std::lock_guard<std::mutex> hold(registrationLock);
+    auto r = registrations.upper_bound(first);
+    if (r != registrations.begin() && std::prev(r)->first + std::prev(r)->second.bytes > first) --r;
+    for (; r != registrations.end() && r->first < last; ++r) {
+        ++r->second.holders;
+        held.push_back(r->first);
+    }
+    if (!held.empty()) return 0;
+    cudaError_t error = cudaHostRegister(const_cast<char*>(start), bytes, cudaHostRegisterDefault);
+    if (error == cudaErrorHostMemoryAlreadyRegistered) {  // the caller's own pinned memory
         cudaGetLastError();
         return 0;
     }
     if (error) return cudaFailure(error, routine, "cudaHostRegister");
-    pinned = true;
+    registrations[start] = {bytes, 1};
+    held.push_back(start);
     return 0;
 }
 
-void unpin(const Operand& o, bool pinned) {
-    if (pinned) cudaHostUnregister(const_cast<void*>(o.host));
+void release(std::vector<const char*>& held) {
+    if (held.empty()) return;
+    std::lock_guard<std::mutex> hold(registrationLock);
+    for (const char* start : held) {
+        auto r = registrations.find(start);
+        if (--r->second.holders == 0) {
+            cudaHostUnregister(const_cast<char*>(start));
+            registrations.erase(r);
+        }
+    }
+    held.clear();
 }
 
 int setDiagonal(ThreadContext& c, void* matrix, int n, const void* one, int elementSize, const char* routine) {

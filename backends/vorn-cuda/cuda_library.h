@@ -20,6 +20,7 @@
 #include <cublas_v2.h>
 #include <cuda_runtime.h>
 #include <cusolverDn.h>
+#include <vector>
 
 #include "vorn_lapack.h"
 
@@ -108,20 +109,27 @@ struct Operand {
     int deviceLd() const { return rows > 1 ? rows : 1; }
 };
 
-// Host to GPU and back in the chosen transfer mode. Downloads write the caller's
-// arrays and so run only once the routine is known to have succeeded.
+// Host to GPU in the chosen transfer mode.
 int upload(ThreadContext& context, const Operand& operand, const char* routine);
-int download(ThreadContext& context, const Operand& operand, const char* routine);
-// Whether a call's outputs fit in the two staging slots together; if so,
-// downloadTogether brings them all back through the slots: every copy has
-// arrived before the first byte of the caller's arrays is written, so that a
-// failure on the way leaves them as they were.
-bool fitsInStaging(const Operand* const* outputs, int count);
-int downloadTogether(ThreadContext& context, const Operand* const* outputs, int count, const char* routine);
-// Pins the caller's pages of an operand for the call (registered mode); release
-// undoes what pin did.
-int pin(ThreadContext& context, const Operand& operand, bool& pinned, const char* routine);
-void unpin(const Operand& operand, bool pinned);
+// Brings a call's outputs back into the caller's arrays: the one step of a call
+// that writes them, made once everything else has succeeded. When the outputs fit
+// in the two staging slots together, every copy has arrived there before the
+// first byte of the caller's arrays is written, so a failure leaves them as they
+// were. Larger outputs go through the slots chunk by chunk (staged) or straight
+// into the caller's arrays (registered, pageable): `touched` says that a failure
+// may have come after part of them was written.
+int downloadAll(ThreadContext& context, const Operand* const* outputs, int count, const char* routine, bool& touched);
+// Stops the process: the copy back failed after part of the results reached the
+// caller's arrays, and one of them is also an input (see run in frame.h).
+[[noreturn]] void partlyWritten(const char* routine);
+// Registered mode: the library's registrations of the caller's pages that an
+// operand's copies rely on, held for the call. pin registers the operand's pages
+// unless registrations of the library already overlap them (another operand, or
+// another thread's call on the same array), which it then holds instead; release
+// lets go of them, and the last holder unregisters. So no call unregisters pages
+// while another call's copies may still read or write them.
+int pin(ThreadContext& context, const Operand& operand, std::vector<const char*>& held, const char* routine);
+void release(std::vector<const char*>& held);
 
 // Writes n copies of the element `one` on the diagonal of a dense n x n matrix on
 // the GPU (the identity that getri solves against).

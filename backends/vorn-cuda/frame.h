@@ -4,9 +4,12 @@
 // its computation; the frame does the rest, written once:
 //   ready? -> arguments (status 8) -> quick return -> context -> workspace ->
 //   copy in -> compute -> wait, read info -> copy out what LAPACK leaves -> status.
-// The caller's arrays are written only in the last step, after the GPU work has
-// succeeded, and all at once from the staging slots when the outputs fit there,
-// so every failure status leaves them as they were (see run for larger outputs).
+// The caller's arrays are written only in the last step, after the GPU work, the
+// wait and the info word have succeeded, and all at once from the staging slots
+// when the outputs fit there, so every failure status leaves them as they were.
+// Outputs larger than the slots are the one exception: they reach the caller's
+// arrays piece by piece, so only a failure of that copy itself can come after
+// part of them was written (see run for what the frame does then).
 #pragma once
 
 #include <algorithm>
@@ -14,6 +17,7 @@
 #include <cstring>
 #include <initializer_list>
 #include <type_traits>
+#include <vector>
 
 #include "cuda_library.h"
 
@@ -259,21 +263,20 @@ int run(const Row& row) {
         if ((status = row.hostScratchBytes(c, hostScratch)) || (status = reserveHost(c, hostScratch))) return status;
     }
 
-    std::array<bool, std::tuple_size_v<decltype(operands)>> pinned{};
-    struct Unpin {
-        decltype(operands)& list;
-        decltype(pinned)& flags;
+    std::array<std::vector<const char*>, std::tuple_size_v<decltype(operands)>> held{};
+    struct Release {
+        decltype(held)& list;
         cudaStream_t stream;
-        // A failure may leave copies in flight: they end before the pages are unpinned.
-        ~Unpin() {
+        // A failure may leave copies in flight: they end before the pages are let go.
+        ~Release() {
             bool any = false;
-            for (bool flag : flags) any = any || flag;
+            for (const auto& ranges : list) any = any || !ranges.empty();
             if (any) cudaStreamSynchronize(stream);
-            for (std::size_t i = 0; i < list.size(); ++i) unpin(list[i], flags[i]);
+            for (auto& ranges : list) release(ranges);
         }
-    } unpinAll{operands, pinned, c.stream};
+    } releaseAll{held, c.stream};
     for (std::size_t i = 0; i < operands.size(); ++i)
-        if ((status = pin(c, operands[i], pinned[i], routine))) return status;
+        if ((status = pin(c, operands[i], held[i], routine))) return status;
 
     int* info = reinterpret_cast<int*>(c.device);
     if (cudaError_t error = cudaMemsetAsync(info, 0, sizeof(int), c.stream))
@@ -300,13 +303,20 @@ int run(const Row& row) {
     int count = 0;
     for (const Operand& o : operands)
         if (o.use != Use::in && o.bytes() > 0 && (lapackInfo == 0 || o.keptOnInfo)) outputs[count++] = &o;
-    if (fitsInStaging(outputs.data(), count)) {
-        if ((status = downloadTogether(c, outputs.data(), count, routine))) return status;
-    } else {
-        // Larger outputs go back chunk by chunk: a GPU fault in the middle of these
-        // copies can leave the first chunks written.
-        for (int i = 0; i < count; ++i)
-            if ((status = download(c, *outputs[i], routine))) return status;
+    // The one step that writes the caller's arrays; nothing else can fail after it.
+    // Outputs larger than the staging slots reach them piece by piece, so a failure
+    // of this copy may leave them partly written: they then hold neither what the
+    // caller gave nor the results. The GPU still holds the results, so the copy is
+    // made again, whole. If that fails too, a retry on the CPU is right only when
+    // every output is one that the routine writes without reading it; otherwise
+    // neither an answer nor a retry would be right, and the process stops.
+    bool touched = false;
+    status = downloadAll(c, outputs.data(), count, routine, touched);
+    if (status && touched) {
+        status = downloadAll(c, outputs.data(), count, routine, touched);
+        for (int i = 0; status && i < count; ++i)
+            if (outputs[i]->use == Use::inOut) partlyWritten(routine);
     }
+    if (status) return status;
     return answer(lapackInfo);
 }

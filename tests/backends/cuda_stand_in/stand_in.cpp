@@ -65,6 +65,7 @@ std::map<const char*, size_t> deviceBlocks, pinnedBlocks;  // start -> bytes
 std::map<const char*, int> blockDevice;                    // device block start -> its device
 std::map<std::string, long> counts;
 std::map<std::string, std::set<long>> failAt;  // kind -> the counts at which it fails
+std::multiset<const char*> queuedHost;  // host starts of the copies queued on any stream
 
 // Whether [p, p + bytes) lies inside one block of a registry; device memory
 // must also belong to the calling thread's current device.
@@ -173,13 +174,21 @@ cudaError_t copy(void* dst, size_t dstPitch, const void* src, size_t srcPitch, s
         return cudaErrorInvalidValue;
     }
     if ((toDevice || toHost) && failsNow(toDevice ? "toDevice" : "toHost")) return cudaErrorLaunchFailure;
+    const char* host = static_cast<const char*>(toDevice ? src : dst);
+    const bool hostSidePinned = !(toDevice || toHost) || within(pinnedBlocks, host, toDevice ? srcBytes : dstBytes);
+    const bool queuedOnHost = (toDevice || toHost) && hostSidePinned;
+    if (queuedOnHost) {
+        std::lock_guard<std::mutex> hold(lock);
+        queuedHost.insert(host);
+    }
     auto work = [=] {
+        if (queuedOnHost) {
+            std::lock_guard<std::mutex> hold(lock);
+            queuedHost.erase(queuedHost.find(host));
+        }
         for (size_t row = 0; row < height; ++row)
             std::memcpy(static_cast<char*>(dst) + row * dstPitch, static_cast<const char*>(src) + row * srcPitch, width);
     };
-    const bool hostSidePinned = toDevice ? within(pinnedBlocks, src, srcBytes)
-                                : toHost ? within(pinnedBlocks, dst, dstBytes)
-                                         : true;
     if (hostSidePinned) {
         enqueue(stream, work);
     } else {
@@ -744,9 +753,18 @@ cudaError_t cudaHostRegister(void* p, size_t bytes, unsigned int) {
     pinnedBlocks[c] = bytes;
     return cudaSuccess;
 }
+// Unregistering pages that a queued copy still uses is counted as "unpinned": on
+// a GPU that copy would read or write pages no longer locked.
 cudaError_t cudaHostUnregister(void* p) {
-    std::lock_guard<std::mutex> hold(lock);
-    return pinnedBlocks.erase(static_cast<char*>(p)) ? cudaSuccess : cudaErrorHostMemoryNotRegistered;
+    std::unique_lock<std::mutex> hold(lock);
+    auto block = pinnedBlocks.find(static_cast<char*>(p));
+    if (block == pinnedBlocks.end()) return cudaErrorHostMemoryNotRegistered;
+    auto copy = queuedHost.lower_bound(block->first);
+    const bool inUse = copy != queuedHost.end() && *copy < block->first + block->second;
+    pinnedBlocks.erase(block);
+    hold.unlock();
+    if (inUse) failsNow("unpinned");
+    return cudaSuccess;
 }
 
 cudaError_t cudaStreamCreateWithFlags(cudaStream_t* stream, unsigned int) { *stream = new CUstream_st; return cudaSuccess; }

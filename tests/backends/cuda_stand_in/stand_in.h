@@ -15,8 +15,9 @@ extern "C" {
 // work met), "allocate" (cudaMalloc).
 void cudaStandInFailAt(const char* kind, int n);
 
-// How many calls of a kind have been made: the kinds above, and "misuse" (a CUDA
+// How many calls of a kind have been made: the kinds above, "misuse" (a CUDA
 // call in a forked child, an object used after a device reset, a free of memory
-// that is not allocated).
+// that is not allocated) and "unpinned" (host pages unregistered while a queued
+// copy still uses them).
 long cudaStandInCount(const char* kind);
 }
