@@ -17,6 +17,10 @@ template <int... W> struct Tested {};
 template <int W> struct WorkReal { static constexpr int position = W; };
 template <int W> struct WorkInt { static constexpr int position = W; };
 template <class... Lines> struct WorkLines {};
+// The lines of a routine whose complex precisions take rwork after work: work,
+// rwork where Complex holds, then the others.
+template <bool Complex, class Work, class Rwork, class... After>
+using WorkLinesWithRwork = std::conditional_t<Complex, WorkLines<Work, Rwork, After...>, WorkLines<Work, After...>>;
 
 template <int... W>
 bool linkIsWorkQuery(CallWords words, Tested<W...>) {

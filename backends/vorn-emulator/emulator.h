@@ -90,34 +90,7 @@ void* emulatorAddress(Arg& value) {
     }
 }
 
-// The usual emulated routine: record the call, answer with a forced status if one
-// is set, else run the CPU routine of the same name with the addresses of the
-// by-value arguments, the arrays as they are and, with info, the address of a
-// local info that becomes the status.
-template <FixedString Routine, bool HasInfo, class... Args>
-int emulate(const char* gpuName, Args... args) {
-    emulatorRecordCall(gpuName, args...);
-    const ForcedStatus forced = emulatorForcedStatus(Routine.c_str());
-    if (forced.forced) {
-        emulatorSetErrorInfo(forced.info);
-        return forced.status;
-    }
-    if (const int readiness = emulatorReadiness()) return readiness;
-    void* function = emulatorCpuFunction(Routine.c_str());
-    if (function == nullptr) return VORN_STATUS_NOT_AVAILABLE;
-    if constexpr (HasInfo) {
-        int info = 0;
-        using Function = void (*)(decltype((void)args, (void*)nullptr)..., void*);
-        reinterpret_cast<Function>(function)(emulatorAddress(args)..., &info);
-        return emulatorAnswer(info);
-    } else {
-        using Function = void (*)(decltype((void)args, (void*)nullptr)...);
-        reinterpret_cast<Function>(function)(emulatorAddress(args)...);
-        return VORN_STATUS_SUCCESS;
-    }
-}
-
-// Common start of the routines written out below: record, forced status, readiness.
+// Common start of every emulated routine: record, forced status, readiness.
 // Gives true and sets status when the routine must return at once.
 template <FixedString Routine, class... Args>
 bool emulatorAnswersEarly(int& status, const char* gpuName, Args... args) {
@@ -130,6 +103,19 @@ bool emulatorAnswersEarly(int& status, const char* gpuName, Args... args) {
     }
     status = emulatorReadiness();
     return status != 0;
+}
+
+// A routine without info (the BLAS routines): the CPU routine of the same name
+// with the addresses of the by-value arguments and the arrays as they are.
+template <FixedString Routine, class... Args>
+int emulate(const char* gpuName, Args... args) {
+    int status;
+    if (emulatorAnswersEarly<Routine>(status, gpuName, args...)) return status;
+    void* function = emulatorCpuFunction(Routine.c_str());
+    if (function == nullptr) return VORN_STATUS_NOT_AVAILABLE;
+    using Function = void (*)(decltype((void)args, (void*)nullptr)...);
+    reinterpret_cast<Function>(function)(emulatorAddress(args)...);
+    return VORN_STATUS_SUCCESS;
 }
 
 inline double realPart(float v) { return v; }
@@ -155,8 +141,10 @@ void emulatorCallWords(void* function, void* const* words, std::index_sequence<I
     reinterpret_cast<Function>(function)(words[I]...);
 }
 
-// A routine whose CPU routine takes arguments that the GPU interface leaves out,
-// between the GPU function's arguments and info. Tail names them, in order:
+// A routine with info: the CPU routine of the same name with the addresses of the
+// by-value arguments, the arrays as they are, then what the GPU interface leaves
+// out between them and info (Tail, empty for most), then the address of a local
+// info that becomes the status. Tail names them, in order:
 //   W  work of the element type, then lwork: the emulator asks the CPU routine
 //      for the optimal size (lwork = -1) and brings its own. It brings at least
 //      the sum of the integer arguments, which holds every such routine's

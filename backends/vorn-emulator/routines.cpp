@@ -16,7 +16,7 @@ constexpr std::string_view rootsWithoutInfo[] = {"gemm", "symm",  "hemm", "syrk"
                                                  "her2k", "trmm", "trsm", "symv", "hemv"};
 // The roots whose CPU routine takes arguments that the GPU interface leaves out,
 // with what the emulator brings for them (emulateWithTail) in real and in complex
-// precisions. The org and orm roots stand for ung and unm as well.
+// precisions; every other root with info has an empty tail. The org and orm roots stand for ung and unm as well.
 struct Tails {
     std::string_view root, real, complex;
 };
@@ -60,12 +60,12 @@ constexpr FixedString<N + 1> fixedTail(std::string_view tail) {
 template <FixedString Root, FixedString Base, class T, class... Args>
 int emulateRoot(const char* gpuName, Args... args) {
     constexpr std::string_view root = Root.c_str(), tail = tailOf(root, isComplex<T>);
-    if constexpr (!tail.empty()) {
-        return emulateWithTail<Base, T, fixedTail<tail.size()>(tail)>(gpuName, args...);
+    if constexpr (listed(rootsWithoutInfo, root)) {
+        return emulate<Base>(gpuName, args...);
     } else if constexpr (root == "mixedGesv") {
         return emulateMixedGesv<Base>(gpuName, args...);
     } else {
-        return emulate<Base, !listed(rootsWithoutInfo, root)>(gpuName, args...);
+        return emulateWithTail<Base, T, fixedTail<tail.size()>(tail)>(gpuName, args...);
     }
 }
 

@@ -67,7 +67,7 @@ struct symmetricEigen : ScaledByJobz<1> {
     enum : int { jobz = 1, uplo, n, a, lda, w, work, lwork, rwork, info = rwork + Complex, wordCount = info };
     static constexpr FrameClass frameClass = FrameClass::C;
     using GpuArgs = ArgList<Chr<jobz>, Chr<uplo>, Int<n>, Ptr<a>, Int<lda>, Ptr<w>>;
-    using WorkLines = std::conditional_t<Complex, ::WorkLines<WorkReal<work>, WorkReal<rwork>>, ::WorkLines<WorkReal<work>>>;
+    using WorkLines = WorkLinesWithRwork<Complex, WorkReal<work>, WorkReal<rwork>>;
     static int32_t measure(CallWords words) { return words.integer(n); }
 };
 using syev = symmetricEigen<false>;
@@ -85,8 +85,7 @@ struct selectedEigen : ScaledByJobz<1> {
     static constexpr FrameClass frameClass = FrameClass::C;
     using GpuArgs = ArgList<Chr<jobz>, Chr<range>, Chr<uplo>, Int<n>, Ptr<a>, Int<lda>, Real<vl>, Real<vu>, Int<il>,
                             Int<iu>, Real<abstol>, Ptr<m>, Ptr<w>, Ptr<z>, Int<ldz>, Ptr<work>>;
-    using WorkLines = std::conditional_t<Complex, ::WorkLines<WorkReal<work>, WorkReal<rwork>, WorkInt<iwork>>,
-                                         ::WorkLines<WorkReal<work>, WorkInt<iwork>>>;
+    using WorkLines = WorkLinesWithRwork<Complex, WorkReal<work>, WorkReal<rwork>, WorkInt<iwork>>;
     static int32_t measure(CallWords words) { return words.integer(n); }
 };
 using syevx = selectedEigen<false>;
@@ -102,7 +101,7 @@ struct generalizedEigen : ScaledByJobz<2> {
                  wordCount = info };
     static constexpr FrameClass frameClass = FrameClass::C;
     using GpuArgs = ArgList<Int<itype>, Chr<jobz>, Chr<uplo>, Int<n>, Ptr<a>, Int<lda>, Ptr<b>, Int<ldb>, Ptr<w>>;
-    using WorkLines = std::conditional_t<Complex, ::WorkLines<WorkReal<work>, WorkReal<rwork>>, ::WorkLines<WorkReal<work>>>;
+    using WorkLines = WorkLinesWithRwork<Complex, WorkReal<work>, WorkReal<rwork>>;
     static int32_t measure(CallWords words) { return words.integer(n); }
 };
 using sygv = generalizedEigen<false>;

@@ -5,8 +5,6 @@
 // What ILP64 callers need adapted (iwork of gesdd) is in ilp64/packing_table.inc.
 #pragma once
 
-#include <type_traits>
-
 #include "routing/routed_frame.h"
 
 // gesvd: jobu, jobvt, m, n, a, lda, s, u, ldu, vt, ldvt, work, lwork, info (14); c, z: rwork after lwork (15)
@@ -19,7 +17,7 @@ struct singularValues {
     static constexpr FrameClass frameClass = FrameClass::C;
     using GpuArgs = ArgList<Chr<jobu>, Chr<jobvt>, Int<m>, Int<n>, Ptr<a>, Int<lda>, Ptr<s>, Ptr<u>, Int<ldu>, Ptr<vt>,
                             Int<ldvt>>;
-    using WorkLines = std::conditional_t<Complex, ::WorkLines<WorkReal<work>, WorkReal<rwork>>, ::WorkLines<WorkReal<work>>>;
+    using WorkLines = WorkLinesWithRwork<Complex, WorkReal<work>, WorkReal<rwork>>;
     static int32_t measure(CallWords words) { return multiply32(words.integer(m), words.integer(n)); }
 };
 using gesvd = singularValues<false>;
@@ -34,8 +32,7 @@ struct divideAndConquerSvd {
                  wordCount = info };
     static constexpr FrameClass frameClass = FrameClass::C;
     using GpuArgs = ArgList<Chr<jobz>, Int<m>, Int<n>, Ptr<a>, Int<lda>, Ptr<s>, Ptr<u>, Int<ldu>, Ptr<vt>, Int<ldvt>>;
-    using WorkLines = std::conditional_t<Complex, ::WorkLines<WorkReal<work>, WorkReal<rwork>, WorkInt<iwork>>,
-                                         ::WorkLines<WorkReal<work>, WorkInt<iwork>>>;
+    using WorkLines = WorkLinesWithRwork<Complex, WorkReal<work>, WorkReal<rwork>, WorkInt<iwork>>;
     static int32_t measure(CallWords words) { return multiply32(words.integer(m), words.integer(n)); }
 };
 using gesdd = divideAndConquerSvd<false>;
