@@ -489,9 +489,13 @@ template <class T> struct Gbtrf {
 // cuSOLVER's refinement solver factors in the lower precision and refines in the
 // higher. When that converges, LAPACK leaves a as it was and ipiv holding the
 // lower-precision pivots: a is not copied back. When it gives up, LAPACK returns
-// the higher-precision factors in a; cuSOLVER promises nothing about a then, so
-// the caller's a goes to the GPU again and is factored and solved here, as
-// LAPACK's fallback does. The caller's work is LAPACK's residual space, which
+// the higher-precision factors in a. cuSOLVER's solver has by then factored a in
+// the higher precision itself, but that its a and pivots are then the factors
+// LAPACK's getrf gives (and not, say, a mix left by the refinement) has never
+// been checked on a device; a wrong guess would hand the caller wrong factors
+// without a sign. So the caller's a goes to the GPU again and is factored and
+// solved here, as LAPACK's fallback does: one more factorisation, only on this
+// rare path. The caller's work is LAPACK's residual space, which
 // nobody reads afterwards: it is left alone. The iteration count is not part of
 // the interface.
 template <class T> struct MixedGesv {
