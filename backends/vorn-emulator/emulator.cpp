@@ -34,21 +34,32 @@ void emulatorRecord(const char* format, ...) {
 
 bool emulatorRecording() { return std::getenv("VORN_EMU_RECORD") != nullptr; }
 
-// Finds "<routine>=<status>[:<info>]" in VORN_EMU_STATUS.
-ForcedStatus emulatorForcedStatus(const char* routine) {
-    const char* list = std::getenv("VORN_EMU_STATUS");
+// The value of "<routine>=<value>" in a comma-separated list variable, or null.
+static const char* routineEntry(const char* variable, const char* routine) {
+    const char* list = std::getenv(variable);
     const std::size_t length = std::strlen(routine);
     for (const char* entry = list; entry != nullptr && *entry != '\0';) {
-        if (std::strncmp(entry, routine, length) == 0 && entry[length] == '=') {
-            char* end;
-            ForcedStatus forced{true, static_cast<int>(std::strtol(entry + length + 1, &end, 10)), 0};
-            if (*end == ':') forced.info = static_cast<int>(std::strtol(end + 1, nullptr, 10));
-            return forced;
-        }
+        if (std::strncmp(entry, routine, length) == 0 && entry[length] == '=') return entry + length + 1;
         entry = std::strchr(entry, ',');
         if (entry != nullptr) ++entry;
     }
-    return {false, 0, 0};
+    return nullptr;
+}
+
+// Finds "<routine>=<status>[:<info>]" in VORN_EMU_STATUS.
+ForcedStatus emulatorForcedStatus(const char* routine) {
+    const char* value = routineEntry("VORN_EMU_STATUS", routine);
+    if (value == nullptr) return {false, 0, 0};
+    char* end;
+    ForcedStatus forced{true, static_cast<int>(std::strtol(value, &end, 10)), 0};
+    if (*end == ':') forced.info = static_cast<int>(std::strtol(end + 1, nullptr, 10));
+    return forced;
+}
+
+void emulatorPace(const char* routine) {
+    if (const char* value = routineEntry("VORN_EMU_DELAY_US", routine)) {
+        std::this_thread::sleep_for(std::chrono::microseconds(std::strtol(value, nullptr, 10)));
+    }
 }
 
 int emulatorReadiness() { return readiness; }
@@ -100,5 +111,7 @@ const char* vornGetStatusString(int status) {
 }
 
 int vornGetErrorInfo(void) { return errorInfo; }
+
+const char* vornEmulatorDescription(void) { return "the emulator GPU library: it computes on the CPU"; }
 
 }  // extern "C"

@@ -9,6 +9,10 @@
 //                                    arrays, and vornGetErrorInfo gives <info>
 //   VORN_EMU_RECORD=<file>           appends one line per call with the
 //                                    by-value arguments: "vornSpotrf(U, 4, 0x..., 4)"
+//   VORN_EMU_DELAY_US=<routine>=<microseconds>,...
+//                                    the routine waits that long at each call
+//                                    before it computes (a GPU of known cost
+//                                    for the calibrator's tests)
 //   VORN_EMU_CPU_LIB=<file>          the CPU library (default liblapackcpu.so, lapackcpu.dll on Windows)
 #pragma once
 
@@ -30,6 +34,14 @@ struct ForcedStatus {
     int info;
 };
 ForcedStatus emulatorForcedStatus(const char* routine);
+
+// Waits as long as VORN_EMU_DELAY_US asks for the routine.
+void emulatorPace(const char* routine);
+
+// Exported by the emulator alone, so that a program can tell it from a real GPU
+// library (dlsym finds it in the process only where the emulator is loaded). The
+// link library never calls it.
+extern "C" VORN_API const char* vornEmulatorDescription(void);
 
 // Appends a line to the record file when VORN_EMU_RECORD is set.
 [[gnu::format(printf, 1, 2)]] void emulatorRecord(const char* format, ...);
@@ -101,6 +113,7 @@ bool emulatorAnswersEarly(int& status, const char* gpuName, Args... args) {
         status = forced.status;
         return true;
     }
+    emulatorPace(Routine.c_str());
     status = emulatorReadiness();
     return status != 0;
 }
