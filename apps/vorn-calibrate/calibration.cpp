@@ -1,0 +1,221 @@
+// Each routine is timed at growing orders n, both sides at each, forced with the
+// control calls, until the GPU side has won clearly at two sizes in a row, the largest
+// size is reached, or the routine's share of the budget is spent. The log,
+// which the link library writes to a file of the calibrator's, tells whether
+// each call ran where it was sent.
+#include "calibration.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <limits>
+
+extern "C" {
+void vornLinkSetCpuAlways();
+void vornLinkSetGpuAlways();
+void vornLinkClearCpuAlways();
+void vornLinkClearGpuAlways();
+void dpotrf(const char*, const int*, double*, const int*, int*);
+}
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+enum class Side { cpu, gpu };
+
+// Never both flags at once: the link library would clear both at its first
+// CPU-side call.
+void force(Side side) {
+    if (side == Side::cpu) {
+        vornLinkClearGpuAlways();
+        vornLinkSetCpuAlways();
+    } else {
+        vornLinkClearCpuAlways();
+        vornLinkSetGpuAlways();
+    }
+}
+
+const char* sideName(Side side) { return side == Side::cpu ? "CPU" : "GPU"; }
+
+// The best of a few calls on one side; `failure` tells why it cannot count.
+struct SideTime {
+    Trial best;
+    std::string failure;
+};
+
+// The best of at least `calls` calls, and of more, up to 50, while they have
+// taken less than minimumSeconds together: short calls vary most.
+constexpr double minimumSeconds = 0.02;
+
+SideTime timeSide(const TimedRoutine& routine, int n, Side side, LinkLog& log, int calls) {
+    force(side);
+    const std::string expected = side == Side::cpu ? "issuing to CPU (configured" : "issuing to GPU";
+    SideTime result{{std::numeric_limits<double>::infinity(), 0, {}}, {}};
+    double spent = 0;
+    for (int call = 0; call < calls || (spent < minimumSeconds && call < 50); ++call) {
+        Trial trial = routine.run(n);
+        const auto lines = log.newLines();
+        if (std::string error = lineContaining(lines, "vorn error"); !error.empty()) {
+            result.failure = error;
+        } else if (lineContaining(lines, expected).empty()) {
+            result.failure = "the call did not run on the " + std::string(sideName(side)) + " side: " +
+                             lineContaining(lines, "issuing to");
+        } else if (trial.info != 0) {
+            result.failure = "info = " + std::to_string(trial.info);
+        }
+        if (!result.failure.empty()) return result;
+        spent += trial.seconds;
+        if (trial.seconds < result.best.seconds) result.best = std::move(trial);
+    }
+    return result;
+}
+
+double relativeDifference(const std::vector<double>& gpu, const std::vector<double>& cpu) {
+    if (gpu.size() != cpu.size()) return std::numeric_limits<double>::infinity();
+    double difference = 0, norm = 0;
+    for (std::size_t i = 0; i < cpu.size(); ++i) {
+        difference += (gpu[i] - cpu[i]) * (gpu[i] - cpu[i]);
+        norm += cpu[i] * cpu[i];
+    }
+    if (!std::isfinite(difference)) return std::numeric_limits<double>::infinity();
+    return std::sqrt(difference) / std::max(std::sqrt(norm), std::numeric_limits<double>::min());
+}
+
+std::vector<int> sizesUpTo(int maxSize) {
+    std::vector<int> sizes;
+    for (int n = smallestSize; n < maxSize; n = std::max(n + 1, static_cast<int>(std::lround(n * 1.26))))
+        sizes.push_back(n);
+    sizes.push_back(maxSize);
+    return sizes;
+}
+
+double secondsSince(Clock::time_point start) { return std::chrono::duration<double>(Clock::now() - start).count(); }
+
+}  // namespace
+
+BackEnds probeBackEnds(LinkLog& log) {
+    BackEnds found{true, {}, {}};
+    for (Side side : {Side::gpu, Side::cpu}) {
+        force(side);
+        double a = 4;
+        const int n = 1;
+        int info = 0;
+        dpotrf("L", &n, &a, &n, &info);
+        const auto lines = log.newLines();
+        if (side == Side::gpu) {
+            found.gpuFailure = lineContaining(lines, "vornInitialize failed");
+            found.gpuStarted = found.gpuFailure.empty();
+        } else {
+            found.cpuFailure = lineContaining(lines, "vorn error");
+        }
+    }
+    vornLinkClearCpuAlways();
+    return found;
+}
+
+std::vector<RoutineResult> calibrate(const Options& options, LinkLog& log) {
+    const auto start = Clock::now();
+    const auto deadline = start + std::chrono::duration_cast<Clock::duration>(
+                                      std::chrono::duration<double>(options.budgetSeconds));
+    const std::vector<int> sizes = sizesUpTo(options.maxSize);
+    const int count = static_cast<int>(options.routines.size());
+    std::vector<RoutineResult> results;
+    double finishedSeconds = 0;
+
+    for (int index = 0; index < count; ++index) {
+        const TimedRoutine& routine = *options.routines[index];
+        RoutineResult& result = results.emplace_back(RoutineResult{&routine, {}});
+        const auto routineStart = Clock::now();
+        const double budgetLeft = std::chrono::duration<double>(deadline - routineStart).count();
+        const double share = budgetLeft / (count - index);
+        const std::string name(routine.name);
+        double lastSizeSeconds = 0;
+        int lastN = 0, gpuWinsInARow = 0;
+        std::string stopped;
+
+        for (int n : sizes) {
+            const double growth = lastN == 0 ? 1 : std::pow(double(n) / lastN, 3);
+            const double predicted = lastSizeSeconds * growth, spent = secondsSince(routineStart);
+            if (lastN != 0 && (spent + predicted > share || Clock::now() + std::chrono::duration_cast<Clock::duration>(
+                                                                  std::chrono::duration<double>(predicted)) > deadline)) {
+                stopped = "its share of the budget ends before n = " + std::to_string(n);
+                break;
+            }
+            if (lastN == 0 && budgetLeft <= 0) break;
+            const auto sizeStart = Clock::now();
+            if (lastN == 0) {  // first calls of a routine on a side carry one-time costs
+                for (Side side : {Side::cpu, Side::gpu}) {
+                    force(side);
+                    routine.run(n);
+                    log.newLines();
+                }
+            }
+            const SideTime cpu = timeSide(routine, n, Side::cpu, log, 3);
+            if (!cpu.failure.empty()) {
+                std::fprintf(stderr, "vorn-calibrate: %s: the CPU side failed at n = %d (%s): not timed\n",
+                             name.c_str(), n, cpu.failure.c_str());
+                break;
+            }
+            const SideTime gpu = timeSide(routine, n, Side::gpu, log, 3);
+            if (!gpu.failure.empty()) {
+                std::fprintf(stderr, "vorn-calibrate: %s: the GPU side failed at n = %d (%s): %s=never\n",
+                             name.c_str(), n, gpu.failure.c_str(), name.c_str());
+                result.outcome = Outcome::gpuFailed;
+                break;
+            }
+            const double difference = relativeDifference(gpu.best.comparable, cpu.best.comparable);
+            if (!(difference <= routine.tolerance)) {
+                std::fprintf(stderr,
+                             "vorn-calibrate: %s: the GPU side's result differs from the CPU side's at n = %d "
+                             "(relative difference %.3g, more than %.0e): %s=never\n",
+                             name.c_str(), n, difference, routine.tolerance, name.c_str());
+                result.outcome = Outcome::mismatch;
+                break;
+            }
+            result.timings.push_back({n, routine.measure(n), cpu.best.seconds, gpu.best.seconds});
+            lastSizeSeconds = secondsSince(sizeStart);
+            lastN = n;
+            // Growing stops once the GPU side is clearly ahead: where both sides
+            // take about the same time (the emulator), noise alone would stop it.
+            gpuWinsInARow = gpu.best.seconds < 0.9 * cpu.best.seconds ? gpuWinsInARow + 1 : 0;
+
+            // Time left: this routine's remaining sizes at cubic growth, within
+            // its share; the routines after it as long as the finished ones took.
+            double rest = 0;
+            for (int later : sizes)
+                if (later > n) rest += lastSizeSeconds * std::pow(double(later) / n, 3);
+            const double thisLeft = std::min(rest, std::max(0.0, share - secondsSince(routineStart)));
+            const double perLater = index > 0 ? finishedSeconds / index : share;
+            const double budgetRemaining = std::chrono::duration<double>(deadline - Clock::now()).count();
+            const double left = std::max(0.0, std::min(budgetRemaining, thisLeft + perLater * (count - index - 1)));
+            std::fprintf(stderr, "vorn-calibrate: [%d/%d] %s n = %d: CPU %.3f ms, GPU %.3f ms; about %.0f s left\n",
+                         index + 1, count, name.c_str(), n, cpu.best.seconds * 1e3, gpu.best.seconds * 1e3, left);
+            if (gpuWinsInARow == 2) break;
+        }
+        finishedSeconds += secondsSince(routineStart);
+
+        if (result.outcome != Outcome::notMeasured) continue;
+        if (result.timings.empty()) {
+            std::fprintf(stderr, "vorn-calibrate: %s: not timed; it keeps its default crossover\n", name.c_str());
+            continue;
+        }
+        const int largest = result.timings.back().n;
+        if (const auto found = findBreakEven(result.timings)) {
+            result.outcome = Outcome::crossover;
+            result.entry = crossoverEntry(found->measure, routine.crossoverFactor);
+            result.breakEvenN = found->n;
+            std::fprintf(stderr, "vorn-calibrate: %s: the GPU side wins from n = %.0f (measure %s = %.0f): %s=%d\n",
+                         name.c_str(), found->n, std::string(routine.measureOf).c_str(), found->measure, name.c_str(),
+                         result.entry);
+        } else {
+            result.outcome = Outcome::never;
+            std::fprintf(stderr, "vorn-calibrate: %s: the GPU side is slower at n = %d, the largest size timed%s%s: %s=never\n",
+                         name.c_str(), largest, stopped.empty() ? "" : "; ", stopped.c_str(), name.c_str());
+        }
+    }
+    vornLinkClearCpuAlways();
+    vornLinkClearGpuAlways();
+    return results;
+}
