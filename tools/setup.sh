@@ -6,7 +6,7 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build="${VORN_BUILD_DIR:-$root/build}"
 
 source "$root/tools/packages.sh"
-ensure_packages cmake g++ make libopenblas-dev libgtest-dev libgmock-dev liblapacke-dev libblas-dev liblapack-test
+ensure_packages cmake g++ make libopenblas-dev libgtest-dev libgmock-dev liblapacke-dev libblas-dev liblapack-test gnuplot-nox
 
 cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
 cmake --build "$build" -j"$(nproc)"
