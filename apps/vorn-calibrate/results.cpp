@@ -65,7 +65,7 @@ std::string panelTitle(const RoutineResult& result) {
         case Outcome::crossover:
             return name + "=" + std::to_string(result.entry) + " (n = " + std::to_string(int(result.breakEvenN + 0.5)) +
                    ")";
-        case Outcome::never: return name + "=never (GPU slower at every size)";
+        case Outcome::never: return name + "=never (GPU slower at the largest size)";
         case Outcome::mismatch: return name + "=never (GPU result differs)";
         case Outcome::gpuFailed: return name + "=never (GPU call failed)";
         case Outcome::notMeasured: break;
@@ -83,7 +83,8 @@ std::string drawPlot(const std::string& path, const std::vector<RoutineResult>& 
     const int columns = panels < 3 ? panels : 3, rows = (panels + columns - 1) / columns;
 
     std::ostringstream script;
-    script << "set terminal pngcairo size " << 420 * columns << "," << 320 * rows + 40 << " font 'sans,9'\n"
+    // libgd's png terminal: a palette image, a tenth of pngcairo's size.
+    script << "set terminal png size " << 420 * columns << "," << 320 * rows + 40 << "\n"
            << "set output " << gnuplotString(path) << "\n"
            << "set datafile separator ','\n";
     int block = 0;
