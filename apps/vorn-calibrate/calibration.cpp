@@ -39,37 +39,47 @@ void force(Side side) {
 
 const char* sideName(Side side) { return side == Side::cpu ? "CPU" : "GPU"; }
 
-// The best of a few calls on one side; `failure` tells why it cannot count.
-struct SideTime {
-    Trial best;
-    std::string failure;
+// One call on one side. Gives why it cannot count, or an empty string.
+std::string callOn(Side side, const TimedRoutine& routine, int n, LinkLog& log, Trial& trial) {
+    force(side);
+    trial = routine.run(n);
+    const auto lines = log.newLines();
+    if (std::string error = lineContaining(lines, "vorn error"); !error.empty()) return error;
+    if (lineContaining(lines, side == Side::cpu ? "issuing to CPU (configured" : "issuing to GPU").empty())
+        return "the call did not run on the " + std::string(sideName(side)) + " side: " +
+               lineContaining(lines, "issuing to");
+    if (trial.info != 0) return "info = " + std::to_string(trial.info);
+    return {};
+}
+
+// The best call of each side at one size; a failure tells why a side cannot count.
+struct SizeTime {
+    Trial cpu, gpu;
+    std::string cpuFailure, gpuFailure;
 };
 
-// The best of at least `calls` calls, and of more, up to 50, while they have
-// taken less than minimumSeconds together: short calls vary most.
-constexpr double minimumSeconds = 0.02;
+// Rounds of one call on each side in turn, so that a spell of load on the
+// machine slows both sides alike: three rounds, and more, up to 50, while they
+// have taken less than minimumSeconds (short calls vary most); past `stopBy`
+// only one.
+constexpr double minimumSeconds = 0.04;
 
-SideTime timeSide(const TimedRoutine& routine, int n, Side side, LinkLog& log, int calls) {
-    force(side);
-    const std::string expected = side == Side::cpu ? "issuing to CPU (configured" : "issuing to GPU";
-    SideTime result{{std::numeric_limits<double>::infinity(), 0, {}}, {}};
+SizeTime timeSize(const TimedRoutine& routine, int n, LinkLog& log, Clock::time_point stopBy) {
+    constexpr double never = std::numeric_limits<double>::infinity();
+    SizeTime best{{never, 0, {}}, {never, 0, {}}, {}, {}};
     double spent = 0;
-    for (int call = 0; call < calls || (spent < minimumSeconds && call < 50); ++call) {
-        Trial trial = routine.run(n);
-        const auto lines = log.newLines();
-        if (std::string error = lineContaining(lines, "vorn error"); !error.empty()) {
-            result.failure = error;
-        } else if (lineContaining(lines, expected).empty()) {
-            result.failure = "the call did not run on the " + std::string(sideName(side)) + " side: " +
-                             lineContaining(lines, "issuing to");
-        } else if (trial.info != 0) {
-            result.failure = "info = " + std::to_string(trial.info);
-        }
-        if (!result.failure.empty()) return result;
-        spent += trial.seconds;
-        if (trial.seconds < result.best.seconds) result.best = std::move(trial);
+    for (int round = 0; round == 0 || ((round < 3 || (spent < minimumSeconds && round < 50)) && Clock::now() < stopBy);
+         ++round) {
+        Trial cpu, gpu;
+        best.cpuFailure = callOn(Side::cpu, routine, n, log, cpu);
+        if (!best.cpuFailure.empty()) return best;
+        best.gpuFailure = callOn(Side::gpu, routine, n, log, gpu);
+        if (!best.gpuFailure.empty()) return best;
+        spent += cpu.seconds + gpu.seconds;
+        if (cpu.seconds < best.cpu.seconds) best.cpu = std::move(cpu);
+        if (gpu.seconds < best.gpu.seconds) best.gpu = std::move(gpu);
     }
-    return result;
+    return best;
 }
 
 double relativeDifference(const std::vector<double>& gpu, const std::vector<double>& cpu) {
@@ -130,6 +140,8 @@ std::vector<RoutineResult> calibrate(const Options& options, LinkLog& log) {
         const auto routineStart = Clock::now();
         const double budgetLeft = std::chrono::duration<double>(deadline - routineStart).count();
         const double share = budgetLeft / (count - index);
+        const auto routineEnd = routineStart + std::chrono::duration_cast<Clock::duration>(
+                                                   std::chrono::duration<double>(share));
         const std::string name(routine.name);
         double lastSizeSeconds = 0;
         int lastN = 0, gpuWinsInARow = 0;
@@ -151,20 +163,20 @@ std::vector<RoutineResult> calibrate(const Options& options, LinkLog& log) {
                     log.newLines();
                 }
             }
-            const SideTime cpu = timeSide(routine, n, Side::cpu, log, 3);
-            if (!cpu.failure.empty()) {
+            const SizeTime time = timeSize(routine, n, log, routineEnd);
+            if (!time.cpuFailure.empty()) {
                 std::fprintf(stderr, "vorn-calibrate: %s: the CPU side failed at n = %d (%s): not timed\n",
-                             name.c_str(), n, cpu.failure.c_str());
+                             name.c_str(), n, time.cpuFailure.c_str());
                 break;
             }
-            const SideTime gpu = timeSide(routine, n, Side::gpu, log, 3);
-            if (!gpu.failure.empty()) {
+            if (!time.gpuFailure.empty()) {
                 std::fprintf(stderr, "vorn-calibrate: %s: the GPU side failed at n = %d (%s): %s=never\n",
-                             name.c_str(), n, gpu.failure.c_str(), name.c_str());
+                             name.c_str(), n, time.gpuFailure.c_str(), name.c_str());
                 result.outcome = Outcome::gpuFailed;
                 break;
             }
-            const double difference = relativeDifference(gpu.best.comparable, cpu.best.comparable);
+            const Trial &cpu = time.cpu, &gpu = time.gpu;
+            const double difference = relativeDifference(gpu.comparable, cpu.comparable);
             if (!(difference <= routine.tolerance)) {
                 std::fprintf(stderr,
                              "vorn-calibrate: %s: the GPU side's result differs from the CPU side's at n = %d "
@@ -173,12 +185,12 @@ std::vector<RoutineResult> calibrate(const Options& options, LinkLog& log) {
                 result.outcome = Outcome::mismatch;
                 break;
             }
-            result.timings.push_back({n, routine.measure(n), cpu.best.seconds, gpu.best.seconds});
+            result.timings.push_back({n, routine.measure(n), cpu.seconds, gpu.seconds});
             lastSizeSeconds = secondsSince(sizeStart);
             lastN = n;
             // Growing stops once the GPU side is clearly ahead: where both sides
             // take about the same time (the emulator), noise alone would stop it.
-            gpuWinsInARow = gpu.best.seconds < 0.9 * cpu.best.seconds ? gpuWinsInARow + 1 : 0;
+            gpuWinsInARow = gpu.seconds < 0.9 * cpu.seconds ? gpuWinsInARow + 1 : 0;
 
             // Time left: this routine's remaining sizes at cubic growth, within
             // its share; the routines after it as long as the finished ones took.
@@ -190,7 +202,7 @@ std::vector<RoutineResult> calibrate(const Options& options, LinkLog& log) {
             const double budgetRemaining = std::chrono::duration<double>(deadline - Clock::now()).count();
             const double left = std::max(0.0, std::min(budgetRemaining, thisLeft + perLater * (count - index - 1)));
             std::fprintf(stderr, "vorn-calibrate: [%d/%d] %s n = %d: CPU %.3f ms, GPU %.3f ms; about %.0f s left\n",
-                         index + 1, count, name.c_str(), n, cpu.best.seconds * 1e3, gpu.best.seconds * 1e3, left);
+                         index + 1, count, name.c_str(), n, cpu.seconds * 1e3, gpu.seconds * 1e3, left);
             if (gpuWinsInARow == 2) break;
         }
         finishedSeconds += secondsSince(routineStart);

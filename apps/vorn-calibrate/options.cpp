@@ -33,6 +33,11 @@ bool fail(const std::string& message) {
     return false;
 }
 
+std::nullopt_t refuse(const std::string& message) {
+    fail(message);
+    return std::nullopt;
+}
+
 bool parseRoutines(std::string_view list, Options& options) {
     options.routines.clear();
     std::stringstream names{std::string(list)};
@@ -93,32 +98,32 @@ std::optional<Options> parseOptions(int argc, char** argv, bool& helpShown) {
         } else if (option.starts_with("--") && i + 1 < argc) {
             value = argv[++i];
         } else {
-            fail(option.starts_with("--") ? "option " + option + " needs a value" : "unexpected argument '" + option + "'");
-            return std::nullopt;
+            return refuse(option.starts_with("--") ? "option " + option + " needs a value"
+                                                   : "unexpected argument '" + option + "'");
         }
         double number = 0;
         if (option == "--routines") {
             if (!parseRoutines(value, options)) return std::nullopt;
         } else if (option == "--budget") {
             if (!parseNumber(option, value, number)) return std::nullopt;
-            if (number <= 0) return fail("--budget must be more than 0 seconds"), std::nullopt;
+            if (number <= 0) return refuse("--budget must be more than 0 seconds");
             options.budgetSeconds = number;
         } else if (option == "--max-size") {
             if (!parseNumber(option, value, number)) return std::nullopt;
             if (number != std::floor(number) || number < smallestSize || number > 46340)
-                return fail("--max-size must be a whole number from 16 to 46340"), std::nullopt;
+                return refuse("--max-size must be a whole number from 16 to 46340");
             options.maxSize = static_cast<int>(number);
         } else if (option == "--output") {
             options.output = value;
         } else if (option == "--plot") {
-            if (!value.ends_with(".png")) return fail("--plot must name a .png file"), std::nullopt;
+            if (!value.ends_with(".png")) return refuse("--plot must name a .png file");
             options.plot = value;
         } else {
-            fail("unknown option " + option + " (see --help)");
-            return std::nullopt;
+            return refuse("unknown option " + option + " (see --help)");
         }
     }
     if (options.plot.empty()) options.plot = std::filesystem::path(options.output).replace_extension(".png").string();
+    if (options.plot == options.output) return refuse("--plot and --output name the same file");
     options.timings = std::filesystem::path(options.output).replace_extension(".csv").string();
     if (options.timings == options.output) options.timings = options.output + ".times.csv";
     if (!writable("--output", options.output) || !writable("the times file", options.timings) ||
