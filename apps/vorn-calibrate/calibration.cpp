@@ -103,6 +103,42 @@ std::vector<int> sizesUpTo(int maxSize) {
 
 double secondsSince(Clock::time_point start) { return std::chrono::duration<double>(Clock::now() - start).count(); }
 
+// The outcome of a routine timed without a failure, with its message.
+void conclude(RoutineResult& result, const std::string& stopped) {
+    const TimedRoutine& routine = *result.routine;
+    const std::string name(routine.name);
+    if (result.timings.empty()) {
+        std::fprintf(stderr, "vorn-calibrate: %s: not timed; it keeps its default crossover\n", name.c_str());
+        return;
+    }
+    if (const auto found = findBreakEven(result.timings)) {
+        result.outcome = Outcome::crossover;
+        result.entry = crossoverEntry(found->measure, routine.crossoverFactor);
+        result.breakEvenN = found->n;
+        std::fprintf(stderr, "vorn-calibrate: %s: the GPU side wins from n = %.0f (measure %s = %.0f%s): %s=%d\n",
+                     name.c_str(), found->n, std::string(routine.measureOf).c_str(), found->measure,
+                     routine.crossoverFactor == 2 ? ", held against twice the entry with jobz V" : "", name.c_str(),
+                     result.entry);
+    } else {
+        result.outcome = Outcome::never;
+        std::fprintf(stderr, "vorn-calibrate: %s: the GPU side is slower at n = %d, the largest size timed%s%s: %s=never\n",
+                     name.c_str(), result.timings.back().n, stopped.empty() ? "" : "; ", stopped.c_str(), name.c_str());
+    }
+}
+
+// About how long the run will still take: this routine's remaining sizes at
+// cubic growth from the last one, within its share; each routine after it as
+// long as the finished ones took on average (its share before any finished).
+double estimateSecondsLeft(const std::vector<int>& sizes, int n, double lastSizeSeconds, double shareLeft,
+                           int routinesAfter, double perRoutine, double budgetLeft) {
+    double rest = 0;
+    for (int later : sizes)
+        if (later > n) rest += lastSizeSeconds * std::pow(double(later) / n, 3);
+    const double thisLeft = std::min(rest, std::max(0.0, shareLeft));
+    return std::max(0.0, std::min(budgetLeft, thisLeft + perRoutine * routinesAfter));
+}
+
+
 }  // namespace
 
 BackEnds probeBackEnds(LinkLog& log) {
@@ -192,39 +228,17 @@ std::vector<RoutineResult> calibrate(const Options& options, LinkLog& log) {
             // take about the same time (the emulator), noise alone would stop it.
             gpuWinsInARow = gpu.seconds < 0.9 * cpu.seconds ? gpuWinsInARow + 1 : 0;
 
-            // Time left: this routine's remaining sizes at cubic growth, within
-            // its share; the routines after it as long as the finished ones took.
-            double rest = 0;
-            for (int later : sizes)
-                if (later > n) rest += lastSizeSeconds * std::pow(double(later) / n, 3);
-            const double thisLeft = std::min(rest, std::max(0.0, share - secondsSince(routineStart)));
-            const double perLater = index > 0 ? finishedSeconds / index : share;
-            const double budgetRemaining = std::chrono::duration<double>(deadline - Clock::now()).count();
-            const double left = std::max(0.0, std::min(budgetRemaining, thisLeft + perLater * (count - index - 1)));
+            const double left = estimateSecondsLeft(
+                sizes, n, lastSizeSeconds, share - secondsSince(routineStart), count - index - 1,
+                index > 0 ? finishedSeconds / index : share,
+                std::chrono::duration<double>(deadline - Clock::now()).count());
             std::fprintf(stderr, "vorn-calibrate: [%d/%d] %s n = %d: CPU %.3f ms, GPU %.3f ms; about %.0f s left\n",
                          index + 1, count, name.c_str(), n, cpu.seconds * 1e3, gpu.seconds * 1e3, left);
             if (gpuWinsInARow == 2) break;
         }
         finishedSeconds += secondsSince(routineStart);
 
-        if (result.outcome != Outcome::notMeasured) continue;
-        if (result.timings.empty()) {
-            std::fprintf(stderr, "vorn-calibrate: %s: not timed; it keeps its default crossover\n", name.c_str());
-            continue;
-        }
-        const int largest = result.timings.back().n;
-        if (const auto found = findBreakEven(result.timings)) {
-            result.outcome = Outcome::crossover;
-            result.entry = crossoverEntry(found->measure, routine.crossoverFactor);
-            result.breakEvenN = found->n;
-            std::fprintf(stderr, "vorn-calibrate: %s: the GPU side wins from n = %.0f (measure %s = %.0f): %s=%d\n",
-                         name.c_str(), found->n, std::string(routine.measureOf).c_str(), found->measure, name.c_str(),
-                         result.entry);
-        } else {
-            result.outcome = Outcome::never;
-            std::fprintf(stderr, "vorn-calibrate: %s: the GPU side is slower at n = %d, the largest size timed%s%s: %s=never\n",
-                         name.c_str(), largest, stopped.empty() ? "" : "; ", stopped.c_str(), name.c_str());
-        }
+        if (result.outcome == Outcome::notMeasured) conclude(result, stopped);
     }
     vornLinkClearCpuAlways();
     vornLinkClearGpuAlways();
