@@ -24,6 +24,7 @@ endif()
 # pkg-config: relocatable, the prefix taken from the .pc file's own place.
 set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 file(RELATIVE_PATH pkgconfig_to_prefix /${pkgconfig_dir} /)
+string(REGEX REPLACE "/$" "" pkgconfig_to_prefix "${pkgconfig_to_prefix}")
 configure_file(${CMAKE_CURRENT_LIST_DIR}/vorn_lapack_link.pc.in ${CMAKE_BINARY_DIR}/vorn_lapack_link.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/vorn_lapack_link.pc DESTINATION ${pkgconfig_dir})
 

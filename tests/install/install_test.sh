@@ -3,7 +3,7 @@
 # dpotrf against it twice, with pkg-config and with find_package, runs both, and
 # runs one through the installed vorn-run.
 set -euo pipefail
-build=$1 source=$2
+build=$1 source=$(cd "$2" && pwd)
 tmp=$(mktemp -d /tmp/vorn-install-test-XXXXXX)
 trap 'rm -rf "$tmp"' EXIT
 prefix=$tmp/prefix
