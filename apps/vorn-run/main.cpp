@@ -209,13 +209,13 @@ int runWithSummary(const std::string& file, const Options& options) {
     const auto size = fs::file_size(log, error);
     const std::streamoff start = error ? 0 : static_cast<std::streamoff>(size);
 
-    signal(SIGINT, SIG_IGN);
-    signal(SIGQUIT, SIG_IGN);
+    const auto interrupt = signal(SIGINT, SIG_IGN);
+    const auto quit = signal(SIGQUIT, SIG_IGN);
     const pid_t child = fork();
     if (child < 0) fail(std::string("cannot start the program: ") + std::strerror(errno), 1);
     if (child == 0) {
-        signal(SIGINT, SIG_DFL);
-        signal(SIGQUIT, SIG_DFL);
+        signal(SIGINT, interrupt);
+        signal(SIGQUIT, quit);
         execute(file, options);
     }
     int status = 0;
