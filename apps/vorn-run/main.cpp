@@ -92,8 +92,10 @@ Options readOptions(int argc, char** argv) {
         else if (arg == "--summary") options.summary = true;
         else if (arg == "--crossovers") options.crossovers = value(arg);
         else if (arg == "--log") options.log = value(arg);
-        else if (arg == "--help") { std::cout << usage; std::exit(0); }
-        else if (arg == "--version") {
+        else if (arg == "--help") {
+            std::cout << usage << "\nGPU library: " << gpuLibraryDescription(launcherPath()) << "\n";
+            std::exit(0);
+        } else if (arg == "--version") {
             std::cout << "vorn-run " VORN_RUN_VERSION "\nGPU library: " << gpuLibraryDescription(launcherPath())
                       << "\n";
             std::exit(0);
