@@ -18,7 +18,7 @@ if(VORN_INSTALL_CUDA)
   install(TARGETS vorn_cuda LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 else()
   install(TARGETS vorn_emulator LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-  install(CODE [[message(STATUS "The GPU library installed is the emulator: it computes on the CPU (no CUDA toolkit was found at build time)")]])
+  install(CODE [[message(STATUS "The GPU library installed is the emulator: it computes on the CPU (the CUDA library was not built)")]])
 endif()
 
 # pkg-config: relocatable, the prefix taken from the .pc file's own place.
