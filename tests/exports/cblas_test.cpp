@@ -1,0 +1,422 @@
+// The CBLAS library against OpenBLAS's own CBLAS (opened with RTLD_LOCAL, since
+// the names are the same): every function of the reference header, in both
+// orders and with each letter where it matters, on small non-square arrays with
+// strides, one of them negative; the names it exports against the header; and
+// its argument reports, in the reference CBLAS's positions.
+#include <cblas-netlib.h>
+#include <complex>
+#include <dlfcn.h>
+#include <fstream>
+#include <functional>
+#include <gtest/gtest.h>
+#include <regex>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "published_prototypes.h"
+
+namespace {
+
+void* openblas() {
+    static void* handle = dlopen("libopenblas.so.0", RTLD_NOW | RTLD_LOCAL);
+    return handle;
+}
+// OpenBLAS's function, or for the two it lacks (scabs1, dcabs1) the reference BLAS's (libblas3).
+void* theirs(const char* name) {
+    static void* reference = dlopen("/usr/lib/x86_64-linux-gnu/blas/libblas.so.3", RTLD_NOW | RTLD_LOCAL);
+    void* function = dlsym(openblas(), name);
+    return function != nullptr || reference == nullptr ? function : dlsym(reference, name);
+}
+
+std::set<std::string> compared;
+
+// An application's own cblas_xerbla, which the library's reports must reach.
+int reportedPosition = -1;
+std::string reportedRoutine;
+
+template <class F>
+struct Pair {
+    F ours, theirs;
+    const char* name;
+};
+#define BOTH(f) Pair<decltype(&f)>{&f, reinterpret_cast<decltype(&f)>(theirs(#f)), #f}
+
+template <class T>
+using Real = decltype(std::abs(T{}));
+template <class T>
+constexpr bool complex = !std::is_same_v<T, Real<T>>;
+
+template <class T>
+T value(double re, double im) {
+    if constexpr (complex<T>) return T(Real<T>(re), Real<T>(im));
+    else return T(re);
+}
+// A scalar as the header passes it: real ones by value, complex ones by address.
+template <class T>
+auto scalar(const T& v) {
+    if constexpr (complex<T>) return static_cast<const void*>(&v);
+    else return v;
+}
+
+// The operands of one call, filled alike for both libraries: real parts in
+// [0.5, 1.5] and imaginary parts in [-0.5, 0.5], so that the triangular solves
+// stay well conditioned.
+template <class T>
+struct Operands {
+    std::vector<T> a, b, c, x, y, s;
+    explicit Operands(unsigned seed) {
+        for (auto* array : {&a, &b, &c, &x, &y, &s}) {
+            for (int i = 0; i < 64; ++i) {
+                seed = seed * 1103515245u + 12345u;
+                const double u = double(seed >> 8 & 0xffff) / 65536.0;
+                seed = seed * 1103515245u + 12345u;
+                array->push_back(value<T>(0.5 + u, double(seed >> 8 & 0xffff) / 65536.0 - 0.5));
+            }
+        }
+    }
+};
+
+template <class T, class U>
+bool near(U ours, U theirs) {
+    const double tolerance = std::is_same_v<Real<T>, float> ? 2e-5 : 1e-13;
+    return std::abs(ours - theirs) <= tolerance * (1 + std::abs(theirs));
+}
+
+// Calls `call` with our function and with OpenBLAS's on operands alike, and
+// compares every operand and the result.
+template <class T, class F, class Call>
+void compare(const Pair<F>& f, const std::string& row, Call call) {
+    ASSERT_NE(f.theirs, nullptr) << f.name;
+    compared.insert(f.name);
+    Operands<T> ours(7), theirs(7);
+    if constexpr (std::is_void_v<decltype(call(f.ours, ours))>) {
+        call(f.ours, ours), call(f.theirs, theirs);
+    } else {
+        const double result = call(f.ours, ours), expected = call(f.theirs, theirs);
+        EXPECT_TRUE(near<T>(result, expected)) << f.name << " " << row << ": " << result << " against " << expected;
+    }
+    const std::pair<const char*, std::vector<T> Operands<T>::*> operands[] = {
+        {"A", &Operands<T>::a}, {"B", &Operands<T>::b}, {"C", &Operands<T>::c},
+        {"X", &Operands<T>::x}, {"Y", &Operands<T>::y}, {"scalars", &Operands<T>::s}};
+    for (const auto& [what, member] : operands)
+        for (std::size_t i = 0; i < 64; ++i)
+            if (!near<T>((ours.*member)[i], (theirs.*member)[i])) {
+                ADD_FAILURE() << f.name << " " << row << ": " << what << "[" << i << "] " << (ours.*member)[i]
+                              << " against " << (theirs.*member)[i];
+                break;
+            }
+}
+
+const CBLAS_LAYOUT layouts[] = {CblasRowMajor, CblasColMajor};
+const CBLAS_TRANSPOSE transposes[] = {CblasNoTrans, CblasTrans, CblasConjTrans};
+const CBLAS_UPLO uplos[] = {CblasUpper, CblasLower};
+const CBLAS_DIAG diags[] = {CblasNonUnit, CblasUnit};
+const CBLAS_SIDE sides[] = {CblasLeft, CblasRight};
+constexpr int m = 3, n = 4, k = 5, kl = 1, ku = 2, band = 2, ld = 7;
+
+std::string text(std::initializer_list<int> values) {
+    std::ostringstream out;
+    for (int v : values) out << v << " ";
+    return out.str();
+}
+
+void levelOne() {
+    for (auto [incx, incy] : {std::pair{1, 1}, std::pair{2, -3}}) {
+        const std::string row = text({incx, incy});
+        auto vectors = [&]<class T>(auto f, T) {  // f(n, x, incx, y, incy)
+            compare<T>(f, row, [&](auto fn, Operands<T>& d) { return fn(k, d.x.data(), incx, d.y.data(), incy); });
+        };
+        auto vector = [&]<class T>(auto f, T) {  // f(n, x, incx)
+            compare<T>(f, row, [&](auto fn, Operands<T>& d) { return fn(k, d.x.data(), incx); });
+        };
+        auto scaled = [&]<class T>(auto f, T, auto alpha) {  // f(n, alpha, x, incx, y, incy) or f(n, alpha, x, incx)
+            compare<T>(f, row, [&](auto fn, Operands<T>& d) {
+                if constexpr (requires { fn(k, alpha, d.x.data(), incx, d.y.data(), incy); })
+                    return fn(k, alpha, d.x.data(), incx, d.y.data(), incy);
+                else return fn(k, alpha, d.x.data(), incx);
+            });
+        };
+        auto dotSub = [&]<class T>(auto f, T) {
+            compare<T>(f, row, [&](auto fn, Operands<T>& d) { fn(k, d.x.data(), incx, d.y.data(), incy, d.s.data()); });
+        };
+        auto rot = [&]<class T>(auto f, T, auto c, auto s) {
+            compare<T>(f, row, [&](auto fn, Operands<T>& d) { fn(k, d.x.data(), incx, d.y.data(), incy, c, s); });
+        };
+        const std::complex<float> ca(0.7f, -0.3f);
+        const std::complex<double> za(0.7, -0.3);
+        vectors(BOTH(cblas_sdot), 0.f), vectors(BOTH(cblas_ddot), 0.0), vectors(BOTH(cblas_dsdot), 0.f);
+        vectors(BOTH(cblas_sswap), 0.f), vectors(BOTH(cblas_dswap), 0.0), vectors(BOTH(cblas_cswap), ca);
+        vectors(BOTH(cblas_zswap), za), vectors(BOTH(cblas_scopy), 0.f), vectors(BOTH(cblas_dcopy), 0.0);
+        vectors(BOTH(cblas_ccopy), ca), vectors(BOTH(cblas_zcopy), za);
+        for (auto f : {BOTH(cblas_cdotu_sub), BOTH(cblas_cdotc_sub)}) dotSub(f, ca);
+        for (auto f : {BOTH(cblas_zdotu_sub), BOTH(cblas_zdotc_sub)}) dotSub(f, za);
+        for (auto f : {BOTH(cblas_snrm2), BOTH(cblas_sasum)}) vector(f, 0.f);
+        for (auto f : {BOTH(cblas_dnrm2), BOTH(cblas_dasum)}) vector(f, 0.0);
+        for (auto f : {BOTH(cblas_scnrm2), BOTH(cblas_scasum)}) vector(f, ca);
+        for (auto f : {BOTH(cblas_dznrm2), BOTH(cblas_dzasum)}) vector(f, za);
+        vector(BOTH(cblas_isamax), 0.f), vector(BOTH(cblas_idamax), 0.0);
+        vector(BOTH(cblas_icamax), ca), vector(BOTH(cblas_izamax), za);
+        scaled(BOTH(cblas_sdsdot), 0.f, 0.25f);
+        scaled(BOTH(cblas_saxpy), 0.f, 0.7f), scaled(BOTH(cblas_daxpy), 0.0, 0.7);
+        scaled(BOTH(cblas_caxpy), ca, &ca), scaled(BOTH(cblas_zaxpy), za, &za);
+        scaled(BOTH(cblas_sscal), 0.f, 0.7f), scaled(BOTH(cblas_dscal), 0.0, 0.7);
+        scaled(BOTH(cblas_cscal), ca, &ca), scaled(BOTH(cblas_zscal), za, &za);
+        scaled(BOTH(cblas_csscal), ca, 0.7f), scaled(BOTH(cblas_zdscal), za, 0.7);
+        rot(BOTH(cblas_srot), 0.f, 0.6f, 0.8f), rot(BOTH(cblas_drot), 0.0, 0.6, 0.8);
+        rot(BOTH(cblas_csrot), ca, 0.6f, 0.8f), rot(BOTH(cblas_zdrot), za, 0.6, 0.8);
+        for (double flag : {-1.0, 0.0, 1.0, -2.0}) {
+            auto rotm = [&]<class T>(auto f, T) {
+                compare<T>(f, row + std::to_string(flag), [&](auto fn, Operands<T>& d) {
+                    d.s[0] = T(flag);
+                    fn(k, d.x.data(), incx, d.y.data(), incy, d.s.data());
+                });
+            };
+            rotm(BOTH(cblas_srotm), 0.f), rotm(BOTH(cblas_drotm), 0.0);
+        }
+    }
+    auto rotg = [&]<class T>(auto f, T) {
+        compare<T>(f, "", [&](auto fn, Operands<T>& d) {
+            Real<T> c = 0;
+            fn(&d.s[0], &d.s[1], &c, &d.s[3]);
+            return c;
+        });
+    };
+    rotg(BOTH(cblas_srotg), 0.f), rotg(BOTH(cblas_drotg), 0.0);
+    rotg(BOTH(cblas_crotg), std::complex<float>()), rotg(BOTH(cblas_zrotg), std::complex<double>());
+    auto rotmg = [&]<class T>(auto f, T) {
+        compare<T>(f, "", [&](auto fn, Operands<T>& d) { fn(&d.s[0], &d.s[1], &d.s[2], T(0.9), d.y.data()); });
+    };
+    rotmg(BOTH(cblas_srotmg), 0.f), rotmg(BOTH(cblas_drotmg), 0.0);
+    compare<std::complex<float>>(BOTH(cblas_scabs1), "", [](auto fn, auto& d) { return fn(&d.s[0]); });
+    compare<std::complex<double>>(BOTH(cblas_dcabs1), "", [](auto fn, auto& d) { return fn(&d.s[0]); });
+}
+
+// A kind's call in each precision, with an element of the precision's type.
+#define PRECISIONS(kind, s, d, c, z) \
+    kind(BOTH(s), 0.f), kind(BOTH(d), 0.0), kind(BOTH(c), std::complex<float>()), kind(BOTH(z), std::complex<double>())
+#define REAL(kind, s, d) kind(BOTH(s), 0.f), kind(BOTH(d), 0.0)
+#define COMPLEX(kind, c, z) kind(BOTH(c), std::complex<float>()), kind(BOTH(z), std::complex<double>())
+
+void levelTwo() {
+    const int incx = 2, incy = -3;
+    for (CBLAS_LAYOUT o : layouts) {
+        for (CBLAS_TRANSPOSE t : transposes) {
+            const std::string row = text({o, t});
+            auto gemv = [&]<class T>(auto f, T) {
+                const T alpha = value<T>(0.7, 0.2), beta = value<T>(-0.4, 0.6);
+                compare<T>(f, row, [&](auto fn, Operands<T>& d) {
+                    if constexpr (requires { fn(o, t, m, n, kl, ku, scalar(alpha), d.a.data(), ld, d.x.data(), incx,
+                                                scalar(beta), d.y.data(), incy); })
+                        fn(o, t, m, n, kl, ku, scalar(alpha), d.a.data(), ld, d.x.data(), incx, scalar(beta), d.y.data(), incy);
+                    else fn(o, t, m, n, scalar(alpha), d.a.data(), ld, d.x.data(), incx, scalar(beta), d.y.data(), incy);
+                });
+            };
+            PRECISIONS(gemv, cblas_sgemv, cblas_dgemv, cblas_cgemv, cblas_zgemv);
+            PRECISIONS(gemv, cblas_sgbmv, cblas_dgbmv, cblas_cgbmv, cblas_zgbmv);
+            for (CBLAS_UPLO u : uplos)
+                for (CBLAS_DIAG g : diags) {
+                    const std::string letters = text({o, t, u, g});
+                    auto triangular = [&]<class T>(auto f, T) {
+                        compare<T>(f, letters, [&](auto fn, Operands<T>& d) {
+                            if constexpr (requires { fn(o, u, t, g, n, band, d.a.data(), ld, d.x.data(), incx); })
+                                fn(o, u, t, g, n, band, d.a.data(), ld, d.x.data(), incx);
+                            else if constexpr (requires { fn(o, u, t, g, n, d.a.data(), ld, d.x.data(), incx); })
+                                fn(o, u, t, g, n, d.a.data(), ld, d.x.data(), incx);
+                            else fn(o, u, t, g, n, d.a.data(), d.x.data(), incx);
+                        });
+                    };
+                    PRECISIONS(triangular, cblas_strmv, cblas_dtrmv, cblas_ctrmv, cblas_ztrmv);
+                    PRECISIONS(triangular, cblas_strsv, cblas_dtrsv, cblas_ctrsv, cblas_ztrsv);
+                    PRECISIONS(triangular, cblas_stbmv, cblas_dtbmv, cblas_ctbmv, cblas_ztbmv);
+                    PRECISIONS(triangular, cblas_stbsv, cblas_dtbsv, cblas_ctbsv, cblas_ztbsv);
+                    PRECISIONS(triangular, cblas_stpmv, cblas_dtpmv, cblas_ctpmv, cblas_ztpmv);
+                    PRECISIONS(triangular, cblas_stpsv, cblas_dtpsv, cblas_ctpsv, cblas_ztpsv);
+                }
+        }
+        auto ger = [&]<class T>(auto f, T) {
+            const T alpha = value<T>(0.7, 0.2);
+            compare<T>(f, text({o}), [&](auto fn, Operands<T>& d) {
+                fn(o, m, n, scalar(alpha), d.x.data(), incx, d.y.data(), incy, d.a.data(), ld);
+            });
+        };
+        REAL(ger, cblas_sger, cblas_dger), COMPLEX(ger, cblas_cgeru, cblas_zgeru), COMPLEX(ger, cblas_cgerc, cblas_zgerc);
+        for (CBLAS_UPLO u : uplos) {
+            const std::string row = text({o, u});
+            auto product = [&]<class T>(auto f, T) {  // symv, sbmv, spmv and hemv, hbmv, hpmv
+                const T alpha = value<T>(0.7, 0.2), beta = value<T>(-0.4, 0.6);
+                compare<T>(f, row, [&](auto fn, Operands<T>& d) {
+                    const auto a = d.a.data(), x = d.x.data();
+                    if constexpr (requires { fn(o, u, n, band, scalar(alpha), a, ld, x, incx, scalar(beta), d.y.data(), incy); })
+                        fn(o, u, n, band, scalar(alpha), a, ld, x, incx, scalar(beta), d.y.data(), incy);
+                    else if constexpr (requires { fn(o, u, n, scalar(alpha), a, ld, x, incx, scalar(beta), d.y.data(), incy); })
+                        fn(o, u, n, scalar(alpha), a, ld, x, incx, scalar(beta), d.y.data(), incy);
+                    else fn(o, u, n, scalar(alpha), a, x, incx, scalar(beta), d.y.data(), incy);
+                });
+            };
+            REAL(product, cblas_ssymv, cblas_dsymv), REAL(product, cblas_ssbmv, cblas_dsbmv);
+            REAL(product, cblas_sspmv, cblas_dspmv), COMPLEX(product, cblas_chemv, cblas_zhemv);
+            COMPLEX(product, cblas_chbmv, cblas_zhbmv), COMPLEX(product, cblas_chpmv, cblas_zhpmv);
+            auto rankOne = [&]<class T>(auto f, T) {  // syr, spr and her, hpr: a real alpha
+                compare<T>(f, row, [&](auto fn, Operands<T>& d) {
+                    if constexpr (requires { fn(o, u, n, Real<T>(0.7), d.x.data(), incx, d.a.data(), ld); })
+                        fn(o, u, n, Real<T>(0.7), d.x.data(), incx, d.a.data(), ld);
+                    else fn(o, u, n, Real<T>(0.7), d.x.data(), incx, d.a.data());
+                });
+            };
+            REAL(rankOne, cblas_ssyr, cblas_dsyr), REAL(rankOne, cblas_sspr, cblas_dspr);
+            COMPLEX(rankOne, cblas_cher, cblas_zher), COMPLEX(rankOne, cblas_chpr, cblas_zhpr);
+            auto rankTwo = [&]<class T>(auto f, T) {  // syr2, spr2 and her2, hpr2
+                const T alpha = value<T>(0.7, 0.2);
+                compare<T>(f, row, [&](auto fn, Operands<T>& d) {
+                    const auto x = d.x.data(), y = d.y.data();
+                    if constexpr (requires { fn(o, u, n, scalar(alpha), x, incx, y, incy, d.a.data(), ld); })
+                        fn(o, u, n, scalar(alpha), x, incx, y, incy, d.a.data(), ld);
+                    else fn(o, u, n, scalar(alpha), x, incx, y, incy, d.a.data());
+                });
+            };
+            REAL(rankTwo, cblas_ssyr2, cblas_dsyr2), REAL(rankTwo, cblas_sspr2, cblas_dspr2);
+            COMPLEX(rankTwo, cblas_cher2, cblas_zher2), COMPLEX(rankTwo, cblas_chpr2, cblas_zhpr2);
+        }
+    }
+}
+
+void levelThree() {
+    for (CBLAS_LAYOUT o : layouts) {
+        for (CBLAS_TRANSPOSE ta : transposes)
+            for (CBLAS_TRANSPOSE tb : transposes) {
+                auto gemm = [&]<class T>(auto f, T) {
+                    const T alpha = value<T>(0.7, 0.2), beta = value<T>(-0.4, 0.6);
+                    compare<T>(f, text({o, ta, tb}), [&](auto fn, Operands<T>& d) {
+                        fn(o, ta, tb, m, n, k, scalar(alpha), d.a.data(), ld, d.b.data(), ld, scalar(beta), d.c.data(), ld);
+                    });
+                };
+                PRECISIONS(gemm, cblas_sgemm, cblas_dgemm, cblas_cgemm, cblas_zgemm);
+            }
+        for (CBLAS_UPLO u : uplos) {
+            for (CBLAS_SIDE s : sides) {
+                auto symm = [&]<class T>(auto f, T) {
+                    const T alpha = value<T>(0.7, 0.2), beta = value<T>(-0.4, 0.6);
+                    compare<T>(f, text({o, s, u}), [&](auto fn, Operands<T>& d) {
+                        fn(o, s, u, m, n, scalar(alpha), d.a.data(), ld, d.b.data(), ld, scalar(beta), d.c.data(), ld);
+                    });
+                };
+                PRECISIONS(symm, cblas_ssymm, cblas_dsymm, cblas_csymm, cblas_zsymm);
+                COMPLEX(symm, cblas_chemm, cblas_zhemm);
+                for (CBLAS_TRANSPOSE t : transposes)
+                    for (CBLAS_DIAG g : diags) {
+                        auto trmm = [&]<class T>(auto f, T) {
+                            const T alpha = value<T>(0.7, 0.2);
+                            compare<T>(f, text({o, s, u, t, g}), [&](auto fn, Operands<T>& d) {
+                                fn(o, s, u, t, g, m, n, scalar(alpha), d.a.data(), ld, d.b.data(), ld);
+                            });
+                        };
+                        PRECISIONS(trmm, cblas_strmm, cblas_dtrmm, cblas_ctrmm, cblas_ztrmm);
+                        PRECISIONS(trmm, cblas_strsm, cblas_dtrsm, cblas_ctrsm, cblas_ztrsm);
+                    }
+            }
+            for (CBLAS_TRANSPOSE t : transposes) {
+                // The transpositions each routine takes: complex syrk and syr2k N and T, herk and her2k N and C.
+                auto rankK = [&]<class T>(auto f, T, bool hermitian) {
+                    if (complex<T> && t == (hermitian ? CblasTrans : CblasConjTrans)) return;
+                    const T alpha = value<T>(0.7, 0.2), beta = value<T>(-0.4, hermitian ? 0 : 0.6);
+                    compare<T>(f, text({o, u, t}), [&](auto fn, Operands<T>& d) {
+                        const auto a = d.a.data(), c = d.c.data();
+                        if constexpr (requires { fn(o, u, t, n, k, std::real(alpha), a, ld, std::real(beta), c, ld); })
+                            fn(o, u, t, n, k, std::real(alpha), a, ld, std::real(beta), c, ld);
+                        else if constexpr (requires { fn(o, u, t, n, k, scalar(alpha), a, ld, scalar(beta), c, ld); })
+                            fn(o, u, t, n, k, scalar(alpha), a, ld, scalar(beta), c, ld);
+                        else if constexpr (requires { fn(o, u, t, n, k, scalar(alpha), a, ld, a, ld, std::real(beta), c, ld); })
+                            fn(o, u, t, n, k, scalar(alpha), a, ld, d.b.data(), ld, std::real(beta), c, ld);
+                        else fn(o, u, t, n, k, scalar(alpha), a, ld, d.b.data(), ld, scalar(beta), c, ld);
+                    });
+                };
+                auto symmetric = [&](auto f, auto t) { rankK(f, t, false); };
+                auto hermitian = [&](auto f, auto t) { rankK(f, t, true); };
+                PRECISIONS(symmetric, cblas_ssyrk, cblas_dsyrk, cblas_csyrk, cblas_zsyrk);
+                PRECISIONS(symmetric, cblas_ssyr2k, cblas_dsyr2k, cblas_csyr2k, cblas_zsyr2k);
+                COMPLEX(hermitian, cblas_cherk, cblas_zherk), COMPLEX(hermitian, cblas_cher2k, cblas_zher2k);
+            }
+        }
+    }
+}
+
+// The names the reference header declares.
+std::set<std::string> headerFunctions() {
+    std::ifstream header(VORN_TEST_CBLAS_HEADER);
+    std::stringstream text;
+    text << header.rdbuf();
+    const std::string content = text.str();
+    std::set<std::string> names;
+    const std::regex declared(R"(\b(cblas_\w+)\s*\()");
+    for (auto it = std::sregex_iterator(content.begin(), content.end(), declared); it != std::sregex_iterator(); ++it)
+        names.insert((*it)[1]);
+    return names;
+}
+
+}  // namespace
+
+extern "C" __attribute__((visibility("default"))) void cblas_xerbla(CBLAS_INT p, const char* rout, const char*, ...) {
+    reportedPosition = p;
+    reportedRoutine = rout;
+}
+
+TEST(Cblas, EveryFunctionOfTheHeaderMatchesOpenBlas) {
+    ASSERT_NE(openblas(), nullptr) << dlerror();
+    levelOne(), levelTwo(), levelThree();
+    std::set<std::string> expected = headerFunctions();
+    expected.erase("cblas_xerbla");
+    EXPECT_EQ(compared, expected);
+}
+
+TEST(Cblas, ExportsExactlyTheHeadersFunctions) {
+    const auto exported = definedDynamicSymbols(VORN_TEST_NM, VORN_TEST_CBLAS_LIBRARY);
+    const auto expected = headerFunctions();
+    EXPECT_EQ(std::set<std::string>(exported.begin(), exported.end()), expected);
+    EXPECT_EQ(expected.size(), 149u);
+}
+
+// The positions are those the reference CBLAS reports: the Fortran routine's
+// position plus one for the layout, traded back in row-major order where the call
+// swapped operands; an enumeration value out of range at its own position. The
+// call then does nothing.
+TEST(Cblas, ArgumentErrorsReachCblasXerblaAtTheReferencePositions) {
+    std::vector<double> a(64, 1.0), b(64, 1.0), c(64, 2.0), x(64, 1.0), y(64, 1.0);
+    std::vector<std::complex<double>> z(64, 1.0), w(64, 1.0);
+    const std::complex<double> alpha = 1.0;
+    const auto row = CblasRowMajor, column = CblasColMajor;
+    const auto no = CblasNoTrans;
+    const auto upper = CblasUpper;
+    const struct {
+        const char* routine;
+        int position;
+        std::function<void()> call;
+    } rows[] = {
+        {"cblas_dgemm", 9, [&] { cblas_dgemm(row, no, no, 3, 4, 5, 1, a.data(), 4, b.data(), 7, 0, c.data(), 7); }},
+        {"cblas_dgemm", 11, [&] { cblas_dgemm(row, no, no, 3, 4, 5, 1, a.data(), 7, b.data(), 3, 0, c.data(), 7); }},
+        {"cblas_dgemm", 14, [&] { cblas_dgemm(column, no, no, 3, 4, 5, 1, a.data(), 7, b.data(), 7, 0, c.data(), 2); }},
+        {"cblas_dgemm", 5, [&] { cblas_dgemm(row, CblasTrans, no, -3, -4, 5, 1, a.data(), 7, b.data(), 7, 0, c.data(), 7); }},
+        {"cblas_dgemm", 3, [&] { cblas_dgemm(row, no, CBLAS_TRANSPOSE(7), 3, 4, 5, 1, a.data(), 7, b.data(), 7, 0, c.data(), 7); }},
+        {"cblas_dgemm", 1, [&] { cblas_dgemm(CBLAS_LAYOUT(5), no, no, 3, 4, 5, 1, a.data(), 7, b.data(), 7, 0, c.data(), 7); }},
+        {"cblas_zhemm", 10, [&] { cblas_zhemm(row, CblasRight, upper, 3, 4, &alpha, z.data(), 7, w.data(), 3, &alpha, c.data(), 7); }},
+        {"cblas_dtrmm", 12, [&] { cblas_dtrmm(row, CblasLeft, upper, no, CblasNonUnit, 3, 4, 1, a.data(), 3, c.data(), 3); }},
+        {"cblas_dtrsm", 6, [&] { cblas_dtrsm(row, CblasLeft, upper, no, CblasNonUnit, -3, 4, 1, a.data(), 7, c.data(), 7); }},
+        {"cblas_zherk", 3, [&] { cblas_zherk(row, upper, CblasTrans, 4, 5, 1, z.data(), 7, 0, c.data(), 7); }},
+        {"cblas_dgemv", 7, [&] { cblas_dgemv(row, no, 3, 4, 1, a.data(), 3, x.data(), 1, 0, c.data(), 1); }},
+        {"cblas_dgbmv", 5, [&] { cblas_dgbmv(row, no, 3, 4, -1, 1, 1, a.data(), 7, x.data(), 1, 0, c.data(), 1); }},
+        {"cblas_dger", 6, [&] { cblas_dger(row, 3, 4, 1, x.data(), 0, y.data(), 1, c.data(), 7); }},
+        {"cblas_zgeru", 3, [&] { cblas_zgeru(row, 3, -4, &alpha, z.data(), 1, w.data(), 1, c.data(), 7); }},
+        {"cblas_zher2", 6, [&] { cblas_zher2(row, upper, 4, &alpha, z.data(), 0, w.data(), 1, c.data(), 7); }},
+        {"cblas_zher2", 8, [&] { cblas_zher2(row, upper, 4, &alpha, z.data(), 1, w.data(), 0, c.data(), 7); }},
+        {"cblas_dsymv", 2, [&] { cblas_dsymv(row, CBLAS_UPLO(999), 4, 1, a.data(), 7, x.data(), 1, 0, c.data(), 1); }},
+        {"cblas_ztrsv", 9, [&] { cblas_ztrsv(column, upper, CblasConjTrans, CblasUnit, 4, z.data(), 7, c.data(), 0); }},
+    };
+    for (const auto& r : rows) {
+        reportedPosition = -1, reportedRoutine.clear();
+        r.call();
+        EXPECT_EQ(reportedRoutine, r.routine);
+        EXPECT_EQ(reportedPosition, r.position) << r.routine;
+    }
+    EXPECT_EQ(c, std::vector<double>(64, 2.0));
+}
