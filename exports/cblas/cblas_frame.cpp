@@ -7,27 +7,23 @@
 
 namespace cblas {
 
+int Report::traded(int position) const {
+    for (const Swap& swap : swaps) {
+        if (!rowMajor || swap.first == 0) continue;
+        if (position == swap.first) return swap.second;
+        if (position == swap.second) return swap.first;
+    }
+    return position;
+}
+
 // cblas_xerbla is called through the dynamic symbol table, so that an
 // application's own definition (the usual way to catch argument errors) is the
 // one that runs.
 void Report::illegal(int position, const char* form, int value) const {
-    for (const Swap& swap : swaps) {
-        if (!rowMajor || swap.first == 0) continue;
-        if (position == swap.first) position = swap.second;
-        else if (position == swap.second) position = swap.first;
-    }
-    cblas_xerbla(position, name, form, value);
+    cblas_xerbla(traded(position), name, form, value);
 }
 
-void Report::fortranPosition(int info) const {
-    int position = info + 1;
-    for (const Swap& swap : swaps) {
-        if (!rowMajor || swap.first == 0) continue;
-        if (position == swap.first) position = swap.second;
-        else if (position == swap.second) position = swap.first;
-    }
-    cblas_xerbla(position, name, "");
-}
+void Report::fortranPosition(int info) const { cblas_xerbla(traded(info + 1), name, ""); }
 
 bool validLayout(const char* name, CBLAS_LAYOUT layout) {
     if (layout == CblasRowMajor || layout == CblasColMajor) return true;

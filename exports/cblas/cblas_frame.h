@@ -16,24 +16,19 @@ namespace cblas {
 
 // The precision letters of the routine names: s, d, c, z.
 template <char p>
-using Element = std::conditional_t<p == 's', float,
-                std::conditional_t<p == 'd', double,
-                std::conditional_t<p == 'c', std::complex<float>, std::complex<double>>>>;
+using Element = std::conditional_t<
+    p == 's', float,
+    std::conditional_t<p == 'd', double, std::conditional_t<p == 'c', std::complex<float>, std::complex<double>>>>;
 template <char p>
 constexpr bool complexPrecision = p == 'c' || p == 'z';
 
-// The routine of precision p among the four (or two) spellings given in s, d, c, z order.
-template <char p>
-constexpr auto pick(auto s, auto d, auto c, auto z) {
-    if constexpr (p == 's') return s;
-    else if constexpr (p == 'd') return d;
-    else if constexpr (p == 'c') return c;
-    else return z;
-}
+// Of two routines given in s, d (or c, z) order, the one of precision p.
 template <char p>
 constexpr auto pick(auto s_or_c, auto d_or_z) {
-    if constexpr (p == 's' || p == 'c') return s_or_c;
-    else return d_or_z;
+    if constexpr (p == 's' || p == 'c')
+        return s_or_c;
+    else
+        return d_or_z;
 }
 
 // The letter a Fortran routine takes for an enumeration value, 0 for a value
@@ -65,8 +60,12 @@ struct Report {
     bool rowMajor;
     Swap swaps[2] = {};
 
+    // An enumeration value out of range at `position`, with the reference's message.
     void illegal(int position, const char* form, int value) const;
+    // The Fortran routine's check `info` failed.
     void fortranPosition(int info) const;
+    // `position` as the caller counts it.
+    int traded(int position) const;
 };
 
 // Whether the layout is one of the two; reports it as argument 1 if not.

@@ -44,9 +44,9 @@ void gemv(Routine routine, const char* name, CBLAS_LAYOUT layout, CBLAS_TRANSPOS
         return report.fortranPosition(info);
     if constexpr (complexPrecision<p>)
         if (conjugated)
-            return conjugatedProduct<p>(name, alpha, beta, x, n, incx, y, m, incy, [&](Ref al, Ref cx, Ref one, Ref be) {
-                routine(&trans, &m, &n, al, a, &lda, cx, one, be, y, &incy);
-            });
+            return conjugatedProduct<p>(
+                name, alpha, beta, x, n, incx, y, m, incy,
+                [&](Ref al, Ref cx, Ref one, Ref be) { routine(&trans, &m, &n, al, a, &lda, cx, one, be, y, &incy); });
     routine(&trans, &m, &n, alpha, a, &lda, x, &incx, beta, y, &incy);
 }
 
@@ -60,22 +60,28 @@ void gbmv(Routine routine, const char* name, CBLAS_LAYOUT layout, CBLAS_TRANSPOS
     if (trans == 0) return report.illegal(2, "Illegal TransA setting, %d\n", transA);
     const bool conjugated = row && complexPrecision<p> && trans == 'C';
     if (row) trans = rowMajorTranspose(trans), std::swap(m, n), std::swap(kl, ku);
-    if (int info = firstFailure({{2, m < 0}, {3, n < 0}, {4, kl < 0}, {5, ku < 0}, {8, lda < kl + ku + 1},
-                                 {10, incx == 0}, {13, incy == 0}}))
+    if (int info = firstFailure({{2, m < 0},
+                                 {3, n < 0},
+                                 {4, kl < 0},
+                                 {5, ku < 0},
+                                 {8, lda < kl + ku + 1},
+                                 {10, incx == 0},
+                                 {13, incy == 0}}))
         return report.fortranPosition(info);
     if constexpr (complexPrecision<p>)
         if (conjugated)
-            return conjugatedProduct<p>(name, alpha, beta, x, n, incx, y, m, incy, [&](Ref al, Ref cx, Ref one, Ref be) {
-                routine(&trans, &m, &n, &kl, &ku, al, a, &lda, cx, one, be, y, &incy);
-            });
+            return conjugatedProduct<p>(name, alpha, beta, x, n, incx, y, m, incy,
+                                        [&](Ref al, Ref cx, Ref one, Ref be) {
+                                            routine(&trans, &m, &n, &kl, &ku, al, a, &lda, cx, one, be, y, &incy);
+                                        });
     routine(&trans, &m, &n, &kl, &ku, alpha, a, &lda, x, &incx, beta, y, &incy);
 }
 
 // trmv, tbmv, tpmv, trsv, tbsv, tpsv: `checks` are the Fortran routine's own after
 // its three letters; `call` gets the addresses of the three letters.
 template <char p>
-void triangularVector(const char* name, CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE transA,
-                      CBLAS_DIAG diag, int n, void* x, int incx, std::initializer_list<Check> checks, auto call) {
+void triangularVector(const char* name, CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE transA, CBLAS_DIAG diag,
+                      int n, void* x, int incx, std::initializer_list<Check> checks, auto call) {
     const bool row = layout == CblasRowMajor;
     const Report report{name, row};
     if (!validLayout(name, layout)) return;
@@ -138,18 +144,18 @@ void symmetricProduct(const char* name, CBLAS_LAYOUT layout, CBLAS_UPLO uplo, in
 template <char p, class Routine>
 void symv(Routine routine, const char* name, CBLAS_LAYOUT layout, CBLAS_UPLO uplo, int n, Ref alpha, Ref a, int lda,
           Ref x, int incx, Ref beta, void* y, int incy) {
-    symmetricProduct<p>(name, layout, uplo, n, alpha, x, incx, beta, y, incy,
-                        {{2, n < 0}, {5, lda < atLeastOne(n)}, {7, incx == 0}, {10, incy == 0}},
-                        [&](Ref ul, Ref al, Ref cx, Ref ix, Ref be) { routine(ul, &n, al, a, &lda, cx, ix, be, y, &incy); });
+    symmetricProduct<p>(
+        name, layout, uplo, n, alpha, x, incx, beta, y, incy,
+        {{2, n < 0}, {5, lda < atLeastOne(n)}, {7, incx == 0}, {10, incy == 0}},
+        [&](Ref ul, Ref al, Ref cx, Ref ix, Ref be) { routine(ul, &n, al, a, &lda, cx, ix, be, y, &incy); });
 }
 template <char p, class Routine>
 void sbmv(Routine routine, const char* name, CBLAS_LAYOUT layout, CBLAS_UPLO uplo, int n, int k, Ref alpha, Ref a,
           int lda, Ref x, int incx, Ref beta, void* y, int incy) {
-    symmetricProduct<p>(name, layout, uplo, n, alpha, x, incx, beta, y, incy,
-                        {{2, n < 0}, {3, k < 0}, {6, lda < k + 1}, {8, incx == 0}, {11, incy == 0}},
-                        [&](Ref ul, Ref al, Ref cx, Ref ix, Ref be) {
-                            routine(ul, &n, &k, al, a, &lda, cx, ix, be, y, &incy);
-                        });
+    symmetricProduct<p>(
+        name, layout, uplo, n, alpha, x, incx, beta, y, incy,
+        {{2, n < 0}, {3, k < 0}, {6, lda < k + 1}, {8, incx == 0}, {11, incy == 0}},
+        [&](Ref ul, Ref al, Ref cx, Ref ix, Ref be) { routine(ul, &n, &k, al, a, &lda, cx, ix, be, y, &incy); });
 }
 template <char p, class Routine>
 void spmv(Routine routine, const char* name, CBLAS_LAYOUT layout, CBLAS_UPLO uplo, int n, Ref alpha, Ref ap, Ref x,
@@ -218,15 +224,17 @@ void spr(Routine routine, const char* name, CBLAS_LAYOUT layout, CBLAS_UPLO uplo
 // column-major one with conj(y) and conj(x) in each other's places. `call` gets
 // uplo and the two vectors with their increments.
 template <char p>
-void rankTwoSymmetric(const char* name, CBLAS_LAYOUT layout, CBLAS_UPLO uplo, int n, Ref x, int incx, Ref y,
-                      int incy, bool packed, int lda, auto call) {
+void rankTwoSymmetric(const char* name, CBLAS_LAYOUT layout, CBLAS_UPLO uplo, int n, Ref x, int incx, Ref y, int incy,
+                      bool packed, int lda, auto call) {
     const bool row = layout == CblasRowMajor;
     const Report report{name, row, {{complexPrecision<p> ? 6 : 0, 8}}};
     if (!validLayout(name, layout)) return;
     const char ul = uploLetter(uplo, row);
     if (ul == 0) return report.illegal(2, "Illegal Uplo setting, %d\n", uplo);
     const bool swapped = row && complexPrecision<p>;
-    if (int info = firstFailure({{2, n < 0}, {5, (swapped ? incy : incx) == 0}, {7, (swapped ? incx : incy) == 0},
+    if (int info = firstFailure({{2, n < 0},
+                                 {5, (swapped ? incy : incx) == 0},
+                                 {7, (swapped ? incx : incy) == 0},
                                  {9, !packed && lda < atLeastOne(n)}}))
         return report.fortranPosition(info);
     if constexpr (complexPrecision<p>)

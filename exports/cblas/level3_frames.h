@@ -12,8 +12,8 @@
 namespace cblas {
 
 template <char p, class Routine>
-void gemm(Routine routine, const char* name, CBLAS_LAYOUT layout, CBLAS_TRANSPOSE transA, CBLAS_TRANSPOSE transB,
-          int m, int n, int k, Ref alpha, Ref a, int lda, Ref b, int ldb, Ref beta, void* c, int ldc) {
+void gemm(Routine routine, const char* name, CBLAS_LAYOUT layout, CBLAS_TRANSPOSE transA, CBLAS_TRANSPOSE transB, int m,
+          int n, int k, Ref alpha, Ref a, int lda, Ref b, int ldb, Ref beta, void* c, int ldc) {
     const bool row = layout == CblasRowMajor;
     const Report report{name, row, {{4, 5}, {9, 11}}};
     if (!validLayout(name, layout)) return;
@@ -22,8 +22,12 @@ void gemm(Routine routine, const char* name, CBLAS_LAYOUT layout, CBLAS_TRANSPOS
     if (tb == 0) return report.illegal(3, "Illegal TransB setting, %d\n", transB);
     if (row) std::swap(ta, tb), std::swap(m, n), std::swap(a, b), std::swap(lda, ldb);
     const int rowsA = ta == 'N' ? m : k, rowsB = tb == 'N' ? k : n;
-    if (int info = firstFailure({{3, m < 0}, {4, n < 0}, {5, k < 0}, {8, lda < atLeastOne(rowsA)},
-                                 {10, ldb < atLeastOne(rowsB)}, {13, ldc < atLeastOne(m)}}))
+    if (int info = firstFailure({{3, m < 0},
+                                 {4, n < 0},
+                                 {5, k < 0},
+                                 {8, lda < atLeastOne(rowsA)},
+                                 {10, ldb < atLeastOne(rowsB)},
+                                 {13, ldc < atLeastOne(m)}}))
         return report.fortranPosition(info);
     routine(&ta, &tb, &m, &n, &k, alpha, a, &lda, b, &ldb, beta, c, &ldc);
 }
@@ -40,8 +44,11 @@ void symm(Routine routine, const char* name, CBLAS_LAYOUT layout, CBLAS_SIDE sid
     const char ul = uploLetter(uplo, row);
     if (ul == 0) return report.illegal(3, "Illegal Uplo setting, %d\n", uplo);
     if (row) std::swap(m, n);
-    if (int info = firstFailure({{3, m < 0}, {4, n < 0}, {7, lda < atLeastOne(si == 'L' ? m : n)},
-                                 {9, ldb < atLeastOne(m)}, {12, ldc < atLeastOne(m)}}))
+    if (int info = firstFailure({{3, m < 0},
+                                 {4, n < 0},
+                                 {7, lda < atLeastOne(si == 'L' ? m : n)},
+                                 {9, ldb < atLeastOne(m)},
+                                 {12, ldc < atLeastOne(m)}}))
         return report.fortranPosition(info);
     routine(&si, &ul, &m, &n, alpha, a, &lda, b, &ldb, beta, c, &ldc);
 }
@@ -67,7 +74,10 @@ void rankK(const char* name, CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPO
         trans = trans == 'N' ? other : 'N';
     }
     const int rowsA = trans == 'N' ? n : k;
-    if (int info = firstFailure({{2, !allowed}, {3, n < 0}, {4, k < 0}, {7, lda < atLeastOne(rowsA)},
+    if (int info = firstFailure({{2, !allowed},
+                                 {3, n < 0},
+                                 {4, k < 0},
+                                 {7, lda < atLeastOne(rowsA)},
                                  {9, twoOperands && ldb < atLeastOne(rowsA)},
                                  {twoOperands ? 12 : 10, ldc < atLeastOne(n)}}))
         return report.fortranPosition(info);
@@ -77,14 +87,13 @@ void rankK(const char* name, CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPO
 template <char p, bool hermitian, class Routine>
 void syrk(Routine routine, const char* name, CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, int n, int k,
           Ref alpha, Ref a, int lda, Ref beta, void* c, int ldc) {
-    rankK<p>(name, layout, uplo, trans, hermitian, n, k, lda, 0, ldc, false, [&](Ref ul, Ref tr) {
-        routine(ul, tr, &n, &k, alpha, a, &lda, beta, c, &ldc);
-    });
+    rankK<p>(name, layout, uplo, trans, hermitian, n, k, lda, 0, ldc, false,
+             [&](Ref ul, Ref tr) { routine(ul, tr, &n, &k, alpha, a, &lda, beta, c, &ldc); });
 }
 
 template <char p, bool hermitian, class Routine>
-void syr2k(Routine routine, const char* name, CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, int n,
-           int k, Ref alpha, Ref a, int lda, Ref b, int ldb, Ref beta, void* c, int ldc) {
+void syr2k(Routine routine, const char* name, CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, int n, int k,
+           Ref alpha, Ref a, int lda, Ref b, int ldb, Ref beta, void* c, int ldc) {
     rankK<p>(name, layout, uplo, trans, hermitian, n, k, lda, ldb, ldc, true, [&](Ref ul, Ref tr) {
         Element<p> scale = *static_cast<const Element<p>*>(alpha);
         if constexpr (hermitian)
@@ -109,8 +118,8 @@ void trmm(Routine routine, const char* name, CBLAS_LAYOUT layout, CBLAS_SIDE sid
     const char di = diagLetter(diag);
     if (di == 0) return report.illegal(5, "Illegal Diag setting, %d\n", diag);
     if (row) std::swap(m, n);
-    if (int info = firstFailure({{5, m < 0}, {6, n < 0}, {9, lda < atLeastOne(si == 'L' ? m : n)},
-                                 {11, ldb < atLeastOne(m)}}))
+    if (int info =
+            firstFailure({{5, m < 0}, {6, n < 0}, {9, lda < atLeastOne(si == 'L' ? m : n)}, {11, ldb < atLeastOne(m)}}))
         return report.fortranPosition(info);
     routine(&si, &ul, &tr, &di, &m, &n, alpha, a, &lda, b, &ldb);
 }

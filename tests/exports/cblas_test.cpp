@@ -42,7 +42,8 @@ struct Pair {
     F ours, theirs;
     const char* name;
 };
-#define BOTH(f) Pair<decltype(&f)>{&f, reinterpret_cast<decltype(&f)>(theirs(#f)), #f}
+#define BOTH(f) \
+    Pair<decltype(&f)> { &f, reinterpret_cast<decltype(&f)>(theirs(#f)), #f }
 
 template <class T>
 using Real = decltype(std::abs(T{}));
@@ -51,8 +52,10 @@ constexpr bool complex = !std::is_same_v<T, Real<T>>;
 
 template <class T>
 T value(double re, double im) {
-    if constexpr (complex<T>) return T(Real<T>(re), Real<T>(im));
-    else return T(re);
+    if constexpr (complex<T>)
+        return T(Real<T>(re), Real<T>(im));
+    else
+        return T(re);
 }
 template <class T>
 const T alpha = value<T>(0.7, 0.2);
@@ -61,8 +64,10 @@ const T beta = value<T>(-0.4, 0.6);
 // A scalar as the header passes it: real ones by value, complex ones by address.
 template <class T>
 auto scalar(const T& v) {
-    if constexpr (complex<T>) return static_cast<const void*>(&v);
-    else return v;
+    if constexpr (complex<T>)
+        return static_cast<const void*>(&v);
+    else
+        return v;
 }
 
 // The operands of one call, filled alike for both libraries: real parts in
@@ -120,9 +125,11 @@ constexpr bool takes(std::tuple<A...>*) {
     return std::is_invocable_v<F, A...>;
 }
 template <class F, class Args, class... More>
-void first(F fn, Args args, More... more) {
-    if constexpr (takes<F>(static_cast<Args*>(nullptr))) std::apply(fn, args);
-    else first(fn, more...);
+decltype(auto) first(F fn, Args args, More... more) {
+    if constexpr (takes<F>(static_cast<Args*>(nullptr)))
+        return std::apply(fn, args);
+    else
+        return first(fn, more...);
 }
 
 const CBLAS_LAYOUT layouts[] = {CblasRowMajor, CblasColMajor};
@@ -142,17 +149,14 @@ void levelOne() {
     const std::complex<float> c(0.7f, -0.3f);
     const std::complex<double> z(0.7, -0.3);
     for (auto [incx, incy] : {std::pair{1, 1}, std::pair{2, -3}}) {
-        // f(n, x, incx, y, incy, scalars), f(n, scalars, x, incx, y, incy), f(n, scalars, x, incx),
-        // or f(n, x, incx, y, incy, the array of scalars) (the complex dots' result, rotm's parameters).
+        // f(n, x, incx, y, incy, scalars), f(n, scalars, x, incx, y, incy), f(n, scalars, x, incx), or
+        // f(n, x, incx, y, incy, the array of scalars): the complex dots' result, rotm's parameters.
         auto vectors = [&]<class T>(auto f, T, auto... scalars) {
-            compare<T>(f, text({incx, incy}), [&, all = std::tuple(scalars...)](auto fn, Operands<T>& d) {
-                return std::apply([&](auto... v) {
-                    const auto x = d.x.data(), y = d.y.data();
-                    if constexpr (requires { fn(k, x, incx, y, incy, v...); }) return fn(k, x, incx, y, incy, v...);
-                    else if constexpr (requires { fn(k, v..., x, incx, y, incy); }) return fn(k, v..., x, incx, y, incy);
-                    else if constexpr (requires { fn(k, v..., x, incx); }) return fn(k, v..., x, incx);
-                    else fn(k, x, incx, y, incy, (d.s[0] = T(incy == 1 ? 0 : -1), d.s.data()));  // rotm: flag 0 or -1
-                }, all);
+            compare<T>(f, text({incx, incy}), [&, given = std::tuple(scalars...)](auto fn, Operands<T>& d) {
+                const auto count = std::tuple(k), x = std::tuple(d.x.data(), incx);
+                const auto xy = std::tuple_cat(x, std::tuple(d.y.data(), incy));
+                return first(fn, std::tuple_cat(count, xy, given), std::tuple_cat(count, given, xy),
+                             std::tuple_cat(count, given, x), std::tuple_cat(count, xy, std::tuple(d.s.data())));
             });
         };
         vectors(BOTH(cblas_sdot), 0.f), vectors(BOTH(cblas_ddot), 0.0), vectors(BOTH(cblas_dsdot), 0.f);
@@ -203,8 +207,10 @@ void levelTwo() {
                 auto gemv = [&]<class T>(auto f, T) {  // gemv, gbmv
                     compare<T>(f, text({incx, o, t}), [&](auto fn, Operands<T>& d) {
                         const auto a = d.a.data(), x = d.x.data(), y = d.y.data();
-                        first(fn, std::tuple(o, t, m, n, kl, ku, scalar(alpha<T>), a, ld, x, incx, scalar(beta<T>), y, incy),
-                              std::tuple(o, t, m, n, scalar(alpha<T>), a, ld, x, incx, scalar(beta<T>), y, incy));
+                        first(
+                            fn,
+                            std::tuple(o, t, m, n, kl, ku, scalar(alpha<T>), a, ld, x, incx, scalar(beta<T>), y, incy),
+                            std::tuple(o, t, m, n, scalar(alpha<T>), a, ld, x, incx, scalar(beta<T>), y, incy));
                     });
                 };
                 PRECISIONS(gemv, cblas_sgemv, cblas_dgemv, cblas_cgemv, cblas_zgemv);
@@ -231,17 +237,22 @@ void levelTwo() {
                     fn(o, m, n, scalar(alpha<T>), d.x.data(), incx, d.y.data(), incy, d.a.data(), ld);
                 });
             };
-            REAL(ger, cblas_sger, cblas_dger), COMPLEX(ger, cblas_cgeru, cblas_zgeru), COMPLEX(ger, cblas_cgerc, cblas_zgerc);
+            REAL(ger, cblas_sger, cblas_dger), COMPLEX(ger, cblas_cgeru, cblas_zgeru),
+                COMPLEX(ger, cblas_cgerc, cblas_zgerc);
             for (CBLAS_UPLO u : uplos) {
-                // The symmetric and Hermitian products and updates, full, band and packed; syr, spr, her, hpr take a real alpha.
+                // The symmetric and Hermitian products and updates, full, band and packed; syr, spr, her, hpr take a
+                // real alpha.
                 auto symmetric = [&]<class T>(auto f, T) {
                     compare<T>(f, text({incx, o, u}), [&](auto fn, Operands<T>& d) {
                         const auto a = d.a.data(), x = d.x.data(), y = d.y.data();
                         const auto al = scalar(alpha<T>), be = scalar(beta<T>);
                         first(fn, std::tuple(o, u, n, band, al, a, ld, x, incx, be, y, incy),
-                              std::tuple(o, u, n, al, a, ld, x, incx, be, y, incy), std::tuple(o, u, n, al, a, x, incx, be, y, incy),
-                              std::tuple(o, u, n, Real<T>(0.7), x, incx, a, ld), std::tuple(o, u, n, Real<T>(0.7), x, incx, a),
-                              std::tuple(o, u, n, al, x, incx, y, incy, a, ld), std::tuple(o, u, n, al, x, incx, y, incy, a));
+                              std::tuple(o, u, n, al, a, ld, x, incx, be, y, incy),
+                              std::tuple(o, u, n, al, a, x, incx, be, y, incy),
+                              std::tuple(o, u, n, Real<T>(0.7), x, incx, a, ld),
+                              std::tuple(o, u, n, Real<T>(0.7), x, incx, a),
+                              std::tuple(o, u, n, al, x, incx, y, incy, a, ld),
+                              std::tuple(o, u, n, al, x, incx, y, incy, a));
                     });
                 };
                 REAL(symmetric, cblas_ssymv, cblas_dsymv), REAL(symmetric, cblas_ssbmv, cblas_dsbmv);
@@ -262,7 +273,8 @@ void levelThree() {
             for (CBLAS_TRANSPOSE tb : transposes) {
                 auto gemm = [&]<class T>(auto f, T) {
                     compare<T>(f, text({o, ta, tb}), [&](auto fn, Operands<T>& d) {
-                        fn(o, ta, tb, m, n, k, scalar(alpha<T>), d.a.data(), ld, d.b.data(), ld, scalar(beta<T>), d.c.data(), ld);
+                        fn(o, ta, tb, m, n, k, scalar(alpha<T>), d.a.data(), ld, d.b.data(), ld, scalar(beta<T>),
+                           d.c.data(), ld);
                     });
                 };
                 PRECISIONS(gemm, cblas_sgemm, cblas_dgemm, cblas_cgemm, cblas_zgemm);
@@ -271,7 +283,8 @@ void levelThree() {
             for (CBLAS_SIDE s : sides) {
                 auto symm = [&]<class T>(auto f, T) {
                     compare<T>(f, text({o, s, u}), [&](auto fn, Operands<T>& d) {
-                        fn(o, s, u, m, n, scalar(alpha<T>), d.a.data(), ld, d.b.data(), ld, scalar(beta<T>), d.c.data(), ld);
+                        fn(o, s, u, m, n, scalar(alpha<T>), d.a.data(), ld, d.b.data(), ld, scalar(beta<T>), d.c.data(),
+                           ld);
                     });
                 };
                 PRECISIONS(symm, cblas_ssymm, cblas_dsymm, cblas_csymm, cblas_zsymm);
@@ -297,7 +310,8 @@ void levelThree() {
                         const auto al = scalar(alpha<T>), be = scalar(beta<T>);
                         const Real<T> realAlpha = 0.7, realBeta = -0.4;
                         first(fn, std::tuple(o, u, t, n, k, realAlpha, a, ld, realBeta, c, ld),
-                              std::tuple(o, u, t, n, k, al, a, ld, be, c, ld), std::tuple(o, u, t, n, k, al, a, ld, b, ld, realBeta, c, ld),
+                              std::tuple(o, u, t, n, k, al, a, ld, be, c, ld),
+                              std::tuple(o, u, t, n, k, al, a, ld, b, ld, realBeta, c, ld),
                               std::tuple(o, u, t, n, k, al, a, ld, b, ld, be, c, ld));
                     });
                 };
@@ -364,10 +378,14 @@ TEST(Cblas, ArgumentErrorsReachCblasXerblaAtTheReferencePositions) {
     } rows[] = {
         {"cblas_dgemm", 9, [&] { cblas_dgemm(row, no, no, 3, 4, 5, 1, a.data(), 4, b.data(), 7, 0, c.data(), 7); }},
         {"cblas_dgemm", 11, [&] { cblas_dgemm(row, no, no, 3, 4, 5, 1, a.data(), 7, b.data(), 3, 0, c.data(), 7); }},
-        {"cblas_dgemm", 5, [&] { cblas_dgemm(row, CblasTrans, no, -3, -4, 5, 1, a.data(), 7, b.data(), 7, 0, c.data(), 7); }},
-        {"cblas_dgemm", 3, [&] { cblas_dgemm(row, no, CBLAS_TRANSPOSE(7), 3, 4, 5, 1, a.data(), 7, b.data(), 7, 0, c.data(), 7); }},
-        {"cblas_dgemm", 1, [&] { cblas_dgemm(CBLAS_LAYOUT(5), no, no, 3, 4, 5, 1, a.data(), 7, b.data(), 7, 0, c.data(), 7); }},
-        {"cblas_dtrmm", 12, [&] { cblas_dtrmm(row, CblasLeft, upper, no, CblasNonUnit, 3, 4, 1, a.data(), 3, c.data(), 3); }},
+        {"cblas_dgemm", 5,
+         [&] { cblas_dgemm(row, CblasTrans, no, -3, -4, 5, 1, a.data(), 7, b.data(), 7, 0, c.data(), 7); }},
+        {"cblas_dgemm", 3,
+         [&] { cblas_dgemm(row, no, CBLAS_TRANSPOSE(7), 3, 4, 5, 1, a.data(), 7, b.data(), 7, 0, c.data(), 7); }},
+        {"cblas_dgemm", 1,
+         [&] { cblas_dgemm(CBLAS_LAYOUT(5), no, no, 3, 4, 5, 1, a.data(), 7, b.data(), 7, 0, c.data(), 7); }},
+        {"cblas_dtrmm", 12,
+         [&] { cblas_dtrmm(row, CblasLeft, upper, no, CblasNonUnit, 3, 4, 1, a.data(), 3, c.data(), 3); }},
         {"cblas_dgemv", 7, [&] { cblas_dgemv(row, no, 3, 4, 1, a.data(), 3, x.data(), 1, 0, c.data(), 1); }},
         {"cblas_dgbmv", 5, [&] { cblas_dgbmv(row, no, 3, 4, -1, 1, 1, a.data(), 7, x.data(), 1, 0, c.data(), 1); }},
         {"cblas_zgeru", 3, [&] { cblas_zgeru(row, 3, -4, &alpha, z.data(), 1, w.data(), 1, c.data(), 7); }},
