@@ -368,7 +368,7 @@ TEST(Cblas, ArgumentErrorsReachCblasXerblaAtTheReferencePositions) {
     std::vector<double> a(64, 1.0), b(64, 1.0), c(64, 2.0), x(64, 1.0), y(64, 1.0);
     std::vector<std::complex<double>> z(64, 1.0), w(64, 1.0);
     const std::complex<double> alpha = 1.0;
-    const auto row = CblasRowMajor, column = CblasColMajor;
+    const auto row = CblasRowMajor;
     const auto no = CblasNoTrans;
     const auto upper = CblasUpper;
     const struct {
