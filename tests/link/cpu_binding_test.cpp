@@ -1,8 +1,16 @@
-// Binding of the CPU library: the limits of VORN_CPU_LIB and a missing library.
+// Binding of the CPU library: the limits of VORN_CPU_LIB and a missing library;
+// fork() during start-up and after threaded calls.
 // (A missing symbol: the frame tests. A process that never needs the library
 // never binds it: the control call tests' exact logs of GPU-only processes.)
 #include <algorithm>
+#include <chrono>
+#include <cmath>
 #include <filesystem>
+#include <thread>
+#if !defined(_WIN32)
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
 
 #include "link_test.h"
 
@@ -57,4 +65,72 @@ TEST_P(CpuLibrarySetting, BindsOrFailsOnce) {
 INSTANTIATE_TEST_SUITE_P(Paths, CpuLibrarySetting, testing::Values("259", "260", "libvorn-no-such-library.so"));
 #else
 INSTANTIATE_TEST_SUITE_P(Paths, CpuLibrarySetting, testing::Values("259", "260", "libvorn-no-such-library.so", ""));
+#endif
+
+#if !defined(_WIN32)
+extern "C" void sgemv(const char* trans, const void* m, const void* n, const float* alpha, const float* a,
+                      const void* lda, const float* x, const void* incx, const float* beta, float* y,
+                      const void* incy);
+
+namespace {
+
+// What a process computes around fork(): factors of spdMatrix on the CPU side
+// (n = 300) and through the emulator (n = 1100), and the forwarded sgemv's A x.
+std::vector<std::vector<float>> forkWork() {
+    int info, n = 300, one = 1;
+    std::vector<std::vector<float>> results{factor('L', n, &info), factor('L', 1100, &info),
+                                            std::vector<float>(n)};
+    const float alpha = 1, beta = 0;
+    const auto a = spdMatrix(n);
+    const std::vector<float> x(n, 1.0f);
+    sgemv("N", &n, &n, &alpha, a.data(), &n, x.data(), &one, &beta, results[2].data(), &one);
+    return results;
+}
+
+bool near(const std::vector<std::vector<float>>& x, const std::vector<std::vector<float>>& y) {
+    for (std::size_t k = 0; k < x.size(); ++k)
+        for (std::size_t i = 0; i < x[k].size(); ++i)
+            if (!(std::abs(x[k][i] - y[k][i]) <= 1e-3f * (1 + std::abs(y[k][i])))) return false;
+    return true;
+}
+
+// Forks; the child computes forkWork again, within an alarm, and exits with 0
+// when its results are near `expected`, as an application's child would.
+void expectChildComputes(const std::vector<std::vector<float>>& expected) {
+    const pid_t child = fork();
+    if (child == 0) {
+        alarm(60);
+        std::exit(near(forkWork(), expected) ? 0 : 1);
+    }
+    int status = -1;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "child status " << status;
+}
+
+}  // namespace
+
+// fork() while another thread holds the link library's start-up (the emulator's
+// start-up takes 300 ms), then after calls that ran on OpenBLAS's threads (two of
+// them) on either side: each child computes and exits normally, and the parent
+// goes on; all results right. An alarm turns a hang into a failure.
+TEST(Fork, ChildrenComputeAfterStartUpAndThreadedCalls) {
+    setEnv("OPENBLAS_NUM_THREADS", "2");
+    setEnv("VORN_EMU_INIT_DELAY_MS", "300");
+    alarm(120);
+    std::vector<std::vector<float>> expected;
+    std::thread startUp([&] { expected = forkWork(); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    const pid_t child = fork();
+    if (child == 0) {
+        alarm(60);
+        std::exit(forkWork().size() == 3 ? 0 : 1);
+    }
+    startUp.join();
+    int status = -1;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "child forked during start-up: " << status;
+    expectChildComputes(expected);
+    EXPECT_TRUE(near(forkWork(), expected));
+    expectChildComputes(expected);
+}
 #endif
