@@ -1,5 +1,6 @@
 // Binding of the CPU library: the limits of VORN_CPU_LIB and a missing library;
-// fork() during start-up and after threaded calls.
+// the application's own xerbla_ and ilaenv_ behind it; fork() during start-up and
+// after threaded calls.
 // (A missing symbol: the frame tests. A process that never needs the library
 // never binds it: the control call tests' exact logs of GPU-only processes.)
 #include <algorithm>
@@ -8,6 +9,7 @@
 #include <filesystem>
 #include <thread>
 #if !defined(_WIN32)
+#include <dlfcn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #endif
@@ -71,6 +73,43 @@ INSTANTIATE_TEST_SUITE_P(Paths, CpuLibrarySetting, testing::Values("259", "260",
 extern "C" void sgemv(const char* trans, const void* m, const void* n, const float* alpha, const float* a,
                       const void* lda, const float* x, const void* incx, const float* beta, float* y,
                       const void* incy);
+
+extern "C" void dgeqp3(const void* m, const void* n, double* a, const void* lda, int* jpvt, double* tau,
+                       double* work, const void* lwork, int* info);
+
+// This program's own xerbla_ and ilaenv_, exported (ENABLE_EXPORTS) as a Fortran
+// program's are. This ilaenv_ gives 7 as DGEQRF's block size and hands every
+// other question to the next definition (the link library's).
+static std::vector<std::string> xerblaCalls;
+extern "C" [[gnu::visibility("default")]] void xerbla_(const char* name, const int* info, std::size_t length) {
+    xerblaCalls.push_back(std::string(name, length) + " " + std::to_string(*info));
+}
+extern "C" [[gnu::visibility("default")]] int ilaenv_(const int* ispec, const char* name, const char* opts,
+                                                      const int* n1, const int* n2, const int* n3, const int* n4,
+                                                      std::size_t nameLength, std::size_t optsLength) {
+    if (*ispec == 1 && std::string(name, nameLength) == "DGEQRF") return 7;
+    static const auto next = reinterpret_cast<decltype(&ilaenv_)>(dlsym(RTLD_NEXT, "ilaenv_"));
+    return next(ispec, name, opts, n1, n2, n3, n4, nameLength, optsLength);
+}
+
+// OpenBLAS behind the CPU library reports to this program's xerbla_ and asks its
+// ilaenv_: the forwarded dgeqp3 with an illegal lda reports once, here, and
+// OpenBLAS prints nothing; its workspace query answers 2n + (n + 1) nb with
+// nb = 7 from this ilaenv_.
+TEST(ApplicationHooks, OpenBlasReportsToAndAsksThisProgram) {
+    int m = 5, n = 4, lda = 3, query = -1, info = 0;
+    std::vector<int> pivots(n);
+    std::vector<double> a(m * n, 1.0), tau(n), work(1);
+    StdoutCapture capture;
+    dgeqp3(&m, &n, a.data(), &lda, pivots.data(), tau.data(), work.data(), &query, &info);
+    EXPECT_EQ(info, -4);
+    lda = m;
+    dgeqp3(&m, &n, a.data(), &lda, pivots.data(), tau.data(), work.data(), &query, &info);
+    EXPECT_EQ(info, 0);
+    EXPECT_EQ(work[0], 2 * n + (n + 1) * 7);
+    EXPECT_EQ(capture.stop(), "");
+    EXPECT_THAT(xerblaCalls, testing::ElementsAre("DGEQP3 4"));
+}
 
 namespace {
 
