@@ -95,7 +95,8 @@ extern "C" [[gnu::visibility("default")]] int ilaenv_(const int* ispec, const ch
 // OpenBLAS behind the CPU library reports to this program's xerbla_ and asks its
 // ilaenv_: the forwarded dgeqp3 with an illegal lda reports once, here, and
 // OpenBLAS prints nothing; its workspace query answers 2n + (n + 1) nb with
-// nb = 7 from this ilaenv_.
+// nb = 7 from this ilaenv_. A program without its own xerbla_ gets OpenBLAS's
+// message, as before.
 TEST(ApplicationHooks, OpenBlasReportsToAndAsksThisProgram) {
     int m = 5, n = 4, lda = 3, query = -1, info = 0;
     std::vector<int> pivots(n);
@@ -109,6 +110,9 @@ TEST(ApplicationHooks, OpenBlasReportsToAndAsksThisProgram) {
     EXPECT_EQ(work[0], 2 * n + (n + 1) * 7);
     EXPECT_EQ(capture.stop(), "");
     EXPECT_THAT(xerblaCalls, testing::ElementsAre("DGEQP3 4"));
+    StdoutCapture child;
+    EXPECT_EQ(runProgram(VORN_TEST_EXIT_CHILD, "illegal"), 256 - 2);
+    EXPECT_EQ(child.stop(), " ** On entry to SPOTRF parameter number  2 had an illegal value\n");
 }
 
 namespace {
