@@ -63,8 +63,9 @@
 #   tools/reference-lapack.sh [-j JOBS] [--ilp64] [--compare-only] [BUILD_DIR]
 #
 # BUILD_DIR (default ./build) must hold the built libvorn_lapack_link.so,
-# liblapackcpu.so and backends/vorn-emulator/libvorn_lapack.so. JOBS (default 2)
-# programs run at a time. The outputs go to BUILD_DIR/reference-lapack/openblas,
+# liblapackcpu.so, liblapackcpu_hooks.so and
+# backends/vorn-emulator/libvorn_lapack.so. JOBS (default 2) programs run at a
+# time. The outputs go to BUILD_DIR/reference-lapack/openblas,
 # .../link and .../gpu (with --ilp64 BUILD_DIR/reference-lapack64/reference,
 # .../link and the 32-bit runs it needed in .../openblas32),
 # NAME.out named as lapack_testing.py expects them (snep.out, dtest.out,
@@ -145,7 +146,7 @@ else
   # pairs that would need them stay unexplained.
   if ((ilp64)); then ensure_packages liblapack-test || true; fi
   [ -x "$programs/xlintsts" ] || { echo "$package is not installed and cannot be installed here" >&2; exit 77; }
-  for file in "$link_library" "$gfortran_library" "$build/liblapackcpu.so" "$gpu_folder/libvorn_lapack.so"; do
+  for file in "$link_library" "$gfortran_library" "$build/liblapackcpu.so" "$build/liblapackcpu_hooks.so" "$gpu_folder/libvorn_lapack.so"; do
     [ -f "$file" ] || { echo "missing $file: build the project first" >&2; exit 2; }
   done
 fi
