@@ -35,6 +35,24 @@ void* platformLoadLibrary(const char* name);
 // standard output reach the process's standard output unbuffered.
 void* platformLoadIsolatedLibrary(const char* name);
 
+// The same, with the library `hooks` (when it loads) placed where the library's
+// references find it before the library's own definitions: its exported names
+// then serve the library's calls of them. Gives the hooks' handle in *hooksHandle,
+// null when they could not be loaded (the library's own names serve then). On
+// Windows the hooks are not loaded: each DLL binds its own imports.
+void* platformLoadIsolatedLibraryWithHooks(const char* name, const char* hooks, void** hooksHandle);
+
+// The definition of `name` that the application's own references reach (the
+// first in the process's global lookup order), or null when there is none, when
+// it lies in the module that also defines `excludedModuleMark` (the link library,
+// by one of its control calls), or in the module holding `self`.
+void* platformFindApplicationSymbol(const char* name, const char* excludedModuleMark, const void* self);
+
+// Runs prepare in the thread that calls fork() just before it forks, and parent or
+// child after it, in the process's own fork handling. Any may be null. No effect on
+// Windows, which has no fork.
+void platformCallAroundFork(void (*prepare)(), void (*parent)(), void (*child)());
+
 // Why the last load on this thread failed.
 const char* platformLoadError();
 

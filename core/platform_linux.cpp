@@ -32,14 +32,57 @@ void* platformLoadLibrary(const char* name) {
 // library, whose stdout is not flushed at exit: making that stream unbuffered sends
 // each message (a BLAS's xerbla, say) to the process's standard output at once.
 void* platformLoadIsolatedLibrary(const char* name) {
+    void* noHooks = nullptr;
+    return platformLoadIsolatedLibraryWithHooks(name, nullptr, &noHooks);
+}
+
+// The hooks open the namespace: the first object loaded into a namespace is in
+// its global scope, which every later object there searches before its own
+// dependencies. The library, loaded after them, so resolves each name the hooks
+// define to theirs.
+static Lmid_t namespaceWithHooks(const char* hooks, void** hooksHandle) {
+    *hooksHandle = nullptr;
+    if (hooks == nullptr) return LM_ID_NEWLM;
+    void* handle = dlmopen(LM_ID_NEWLM, hooks, RTLD_NOW | RTLD_LOCAL);
+    Lmid_t space = LM_ID_NEWLM;
+    if (handle == nullptr || dlinfo(handle, RTLD_DI_LMID, &space) != 0) {
+        std::fprintf(stderr, "vorn: cannot load %s (%s): the library's own names serve its calls\n", hooks,
+                     platformLoadError());
+        return LM_ID_NEWLM;
+    }
+    *hooksHandle = handle;
+    return space;
+}
+
+void* platformLoadIsolatedLibraryWithHooks(const char* name, const char* hooks, void** hooksHandle) {
+    *hooksHandle = nullptr;
     if (name == nullptr || name[0] == '\0') return nullptr;
-    void* library = dlmopen(LM_ID_NEWLM, name, RTLD_NOW | RTLD_LOCAL);
+    const Lmid_t space = namespaceWithHooks(hooks, hooksHandle);
+    void* library = dlmopen(space, name, RTLD_NOW | RTLD_LOCAL);
     if (library == nullptr) return nullptr;
     auto privateStdout = static_cast<FILE**>(dlsym(library, "stdout"));
     using Setvbuf = int (*)(FILE*, char*, int, size_t);
     auto privateSetvbuf = reinterpret_cast<Setvbuf>(dlsym(library, "setvbuf"));
     if (privateStdout != nullptr && privateSetvbuf != nullptr) privateSetvbuf(*privateStdout, nullptr, _IONBF, 0);
     return library;
+}
+
+static const void* moduleBase(const void* address) {
+    Dl_info info;
+    return address != nullptr && dladdr(address, &info) != 0 ? info.dli_fbase : nullptr;
+}
+
+void* platformFindApplicationSymbol(const char* name, const char* excludedModuleMark, const void* self) {
+    void* definition = dlsym(RTLD_DEFAULT, name);
+    const void* base = moduleBase(definition);
+    if (base == nullptr) return nullptr;
+    if (base == moduleBase(self)) return nullptr;
+    if (base == moduleBase(dlsym(RTLD_DEFAULT, excludedModuleMark))) return nullptr;
+    return definition;
+}
+
+void platformCallAroundFork(void (*prepare)(), void (*parent)(), void (*child)()) {
+    pthread_atfork(prepare, parent, child);
 }
 
 const char* platformLoadError() {

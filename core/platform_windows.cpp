@@ -41,6 +41,16 @@ void* platformLoadIsolatedLibrary(const char* name) {
     return platformLoadLibrary(name);
 }
 
+void* platformLoadIsolatedLibraryWithHooks(const char* name, const char*, void** hooksHandle) {
+    *hooksHandle = nullptr;
+    return platformLoadLibrary(name);
+}
+
+// Each DLL binds its own imports: no other module's definition reaches a DLL's calls.
+void* platformFindApplicationSymbol(const char*, const char*, const void*) { return nullptr; }
+
+void platformCallAroundFork(void (*)(), void (*)(), void (*)()) {}
+
 const char* platformLoadError() {
     static thread_local char message[256];
     if (lastLoadError == ERROR_SUCCESS) return "no error";

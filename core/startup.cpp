@@ -11,6 +11,14 @@
 // (liblapackcpu.so, lapackcpu.dll); it must fit the path buffer.
 static_assert(sizeof platformDefaultCpuLibrary <= cpuLibPathSize);
 
+// A child forked while another thread holds initLock (a start-up under way) gets
+// the lock held by a thread it does not have, and its first call would wait
+// forever: the child creates the lock afresh, and runs any start-up left
+// unfinished itself. The fork is not made to wait for the start-up instead: the
+// GPU library's start-up may register fork handlers itself, which fork() would
+// not let it do while it waits.
+static void linkRenewLockInChild() { platformCreateLock(&linkState.initLock); }
+
 // Creates initLock on first use. The lock cannot be created at load time (nothing
 // runs then), so the first thread to claim it creates it while any other thread
 // that arrives meanwhile spins until it is ready. The spin is a bare loop: it lasts
@@ -19,6 +27,7 @@ static void linkEnsureInitLock() {
     if (platformLoadAcquire(&linkState.lockReady)) return;
     if (platformCompareAndSwap(&linkState.lockClaimed, 0, 1) == 0) {
         platformCreateLock(&linkState.initLock);
+        platformCallAroundFork(nullptr, nullptr, linkRenewLockInChild);
         platformStoreRelease(&linkState.lockReady, 1);
         return;
     }

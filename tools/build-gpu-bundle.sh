@@ -12,13 +12,13 @@ bundle="$build/bundle"
 
 cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=Release -DVORN_BUILD_TESTS=ON -DVORN_BUILD_CUDA=ON >/dev/null
 grep -q '^CUDAToolkit_BIN_DIR:' "$build/CMakeCache.txt" || { echo "no CUDA toolkit found" >&2; exit 1; }
-cmake --build "$build" -j"$(nproc)" --target vorn_lapack_link lapackcpu vorn_cuda \
+cmake --build "$build" -j"$(nproc)" --target vorn_lapack_link lapackcpu lapackcpu_hooks vorn_cuda \
   cuda_library_tests link_routed_family_tests gpu_bench
 
 # The build tree's layout, which the programs' $ORIGIN run paths expect.
 rm -rf "$bundle"
 mkdir -p "$bundle/tests" "$bundle/bench" "$bundle/backends/vorn-cuda" "$bundle/lib"
-cp "$build/libvorn_lapack_link.so" "$build/liblapackcpu.so" "$bundle/"
+cp "$build/libvorn_lapack_link.so" "$build/liblapackcpu.so" "$build/liblapackcpu_hooks.so" "$bundle/"
 cp "$build/backends/vorn-cuda/libvorn_lapack.so" "$bundle/backends/vorn-cuda/"
 cp "$build/tests/cuda_library_tests" "$build/tests/link_routed_family_tests" "$bundle/tests/"
 cp "$build/bench/gpu_bench" "$bundle/bench/"

@@ -109,14 +109,17 @@ TEST(LapackCpu, DgesvdStaysInsideItsOwnOpenBlas) {
     EXPECT_EQ(c.out, d.out);
 }
 
-// An illegal argument that OpenBLAS finds, and xerbla called directly with its
-// name's length by value (32 bits in a 64-bit word): each message printed once.
+// An illegal argument that OpenBLAS finds, reported to this program's xerbla_
+// (its linked OpenBLAS's, which prints through this program's buffered standard
+// output), and xerbla called directly with its name's length by value (32 bits
+// in a 64-bit word), the isolated OpenBLAS's own: each message printed once.
 TEST(LapackCpu, XerblaMessagesReachStandardOutputOnce) {
     char uplo = 'U', routineName[] = "DGEQRF";
     int n = -1, lda = 1, info = 0, position = 5;
     float a[1] = {3};
     StdoutCapture capture;
     call("spotrf", &uplo, &n, a, &lda, &info);
+    std::fflush(stdout);
     call("xerbla", routineName, &position, reinterpret_cast<void*>((uintptr_t{0xdeadbeef} << 32) | 6));
     EXPECT_EQ(capture.stop(), " ** On entry to SPOTRF parameter number  2 had an illegal value\n"
                               " ** On entry to DGEQRF parameter number  5 had an illegal value\n");
