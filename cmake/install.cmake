@@ -5,7 +5,7 @@
 # carry $ORIGIN, and vorn-run finds the libraries from its own place.
 include(CMakePackageConfigHelpers)
 
-install(TARGETS vorn_lapack_link vorn_lapack_gfortran lapackcpu LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(TARGETS vorn_lapack_link vorn_lapack_gfortran lapackcpu lapackcpu_hooks LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 if(TARGET vorn_lapack_cblas)
   install(TARGETS vorn_lapack_cblas LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 endif()
