@@ -106,9 +106,7 @@ Call loggedCall(const std::string& name, const LoggedRow& row, bool second) {
     auto real = [&](unsigned char* at, double value) {
         const float f = static_cast<float>(value);
         single ? std::memcpy(at, &f, 4) : std::memcpy(at, &value, 8);
-        char text[64];
-        std::snprintf(text, sizeof text, "%f", value);
-        return std::string(text);
+        return formatted("%f", value);
     };
     call.entry = "vorn info:  " + name + " (";
     for (int word = 1; word <= static_cast<int>(kinds.size()); ++word) {
@@ -120,7 +118,7 @@ Call loggedCall(const std::string& name, const LoggedRow& row, bool second) {
         call.entry += (word > 1 ? ", " : "") +
                       (kind == "%c"   ? std::string(1, static_cast<char>(at[0]))
                        : kind == "%d" ? std::to_string(integer)
-                       : kind == "%p" ? pointerText(call.words[word - 1])
+                       : kind == "%p" ? formatted("%p", call.words[word - 1])
                        : kind == "%f" ? real(at, word + 0.25)
                                       : "(" + real(at, word + 0.25) + "," + real(at + (single ? 4 : 8), -word - 0.5) + ")");
     }

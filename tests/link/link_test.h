@@ -65,7 +65,7 @@ inline std::string useRecord() { return useFile("VORN_EMU_RECORD", "emulator.rec
 // The arguments that spotrf's entry line and the emulator's record show for a
 // call on spdMatrix(n) in the lower triangle.
 inline std::string spotrfArguments(int n, const void* a) {
-    return "(L, " + std::to_string(n) + ", " + pointerText(a) + ", " + std::to_string(n) + ")";
+    return "(L, " + std::to_string(n) + ", " + formatted("%p", a) + ", " + std::to_string(n) + ")";
 }
 
 // The log and the emulator's record that a sequence of spotrf calls should leave.
