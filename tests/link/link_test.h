@@ -18,13 +18,12 @@ extern "C" void vornLinkSetCpuAlways();
 extern "C" void vornLinkSetGpuAlways();
 extern "C" void vornLinkClearCpuAlways();
 extern "C" void vornLinkClearGpuAlways();
-// The default CPU library, which the link library names in its log.
+// The log's line naming the default CPU library.
 #if defined(_WIN32)
-inline constexpr const char* defaultCpuLibrary = "lapackcpu.dll";
+inline const std::string cpuLibraryLine = "vorn info:  CPU library is lapackcpu.dll";
 #else
-inline constexpr const char* defaultCpuLibrary = "liblapackcpu.so";
+inline const std::string cpuLibraryLine = "vorn info:  CPU library is liblapackcpu.so";
 #endif
-inline const std::string cpuLibraryLine = std::string("vorn info:  CPU library is ") + defaultCpuLibrary;
 
 inline constexpr int spotrfCrossover = 1024;
 
