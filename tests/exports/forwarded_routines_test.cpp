@@ -303,8 +303,7 @@ TEST(ExportSurface, DynamicSymbolsAreExactlyTheExportList) {
 // of a forwarded routine after it does start up, and is recorded.
 TEST(Lsame, FoldsOnlyAsciiLettersAndStartsNothing) {
     setEnv("VORN_VERBOSE", "1");
-    const std::string record = tempPath("emulator.record");
-    setEnv("VORN_EMU_RECORD", record);
+    const std::string record = useRecord();
     void* link = openLibrary(VORN_TEST_LINK_LIBRARY);
     ASSERT_NE(link, nullptr) << VORN_TEST_LINK_LIBRARY;
     const std::tuple<unsigned char, unsigned char, int32_t> cases[] = {

@@ -150,8 +150,7 @@ INSTANTIATE_TEST_SUITE_P(Integers, FrameClassC, testing::Bool(),
                          [](const auto& info) { return info.param ? "Ilp64" : "Lp64"; });
 
 TEST_P(FrameClassC, LinesAndInfoOfEachOutcome) {
-    const std::string log = tempPath("vorn.log");
-    setEnv("VORN_DEBUG_LOG", log);
+    const std::string log = useLogFile();
     setEnv("VORN_CPU_LIB", RECORDING_CPU_PATH);
     if (GetParam()) setEnv("VORN_ILP64", "1");
     linkInitGpu();

@@ -51,15 +51,6 @@ inline std::vector<float> factor(char uplo, int n, int* info) {
     spotrf(&uplo, &n, a.data(), &n, info);
     return a;
 }
-// The log and the emulator's record of this test; naming them must precede the
-// first call.
-inline std::string useFile(const char* variable, const char* name) {
-    const std::string path = tempPath(name);
-    setEnv(variable, path);
-    return path;
-}
-inline std::string useLogFile() { return useFile("VORN_DEBUG_LOG", "vorn.log"); }
-inline std::string useRecord() { return useFile("VORN_EMU_RECORD", "emulator.record"); }
 
 // The arguments that spotrf's entry line and the emulator's record show for a
 // call on spdMatrix(n) in the lower triangle.

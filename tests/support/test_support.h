@@ -27,6 +27,16 @@ std::vector<std::string> linesStartingWith(const std::vector<std::string>& lines
 // call into the library, which reads the environment once).
 void setEnv(const char* name, const std::string& value);
 
+// The log and the emulator's record of this test; naming them must precede the
+// first call.
+inline std::string useFile(const char* variable, const char* name) {
+    const std::string path = tempPath(name);
+    setEnv(variable, path);
+    return path;
+}
+inline std::string useLogFile() { return useFile("VORN_DEBUG_LOG", "vorn.log"); }
+inline std::string useRecord() { return useFile("VORN_EMU_RECORD", "emulator.record"); }
+
 // A shared library opened by path or name, and a symbol of it (dlopen and dlsym,
 // LoadLibraryA and GetProcAddress); both give null where nothing is found.
 void* openLibrary(const std::string& path);
