@@ -1,15 +1,19 @@
-// The CPU-only routines through the link library: every forwarded routine, called
-// by each of its spellings with its table's word count, and every logged routine,
-// held against its entry format as the design gives it. Over a recording CPU
-// library (the words it receives, the log's lines, info and an ILP64 caller's high
-// halves, work queries, function results) and over a CPU library that cannot be
-// reached (nothing touched but a logged routine's info, results of 0).
+// What the link library shows to the outside. Its exported names; lsame, which it
+// computes itself; the CPU-only routines: every forwarded routine, called by each
+// of its spellings with its table's word count, and every logged routine, held
+// against its entry format as the design gives it. Over a recording CPU library
+// (the words it receives, the log's lines, info and an ILP64 caller's high halves,
+// work queries, function results) and over a CPU library that cannot be reached
+// (nothing touched but a logged routine's info, results of 0).
 #include <array>
 #include <regex>
 #include <set>
 #include <sstream>
+#include <tuple>
 
+#include "exports/routine_classes.h"
 #include "exports_test.h"
+#include "published_prototypes.h"
 #include "recording_forwarded_cpu.h"
 
 namespace {
@@ -106,9 +110,7 @@ Call loggedCall(const std::string& name, const LoggedRow& row, bool second) {
     auto real = [&](unsigned char* at, double value) {
         const float f = static_cast<float>(value);
         single ? std::memcpy(at, &f, 4) : std::memcpy(at, &value, 8);
-        char text[64];
-        std::snprintf(text, sizeof text, "%f", value);
-        return std::string(text);
+        return formatted("%f", value);
     };
     call.entry = "vorn info:  " + name + " (";
     for (int word = 1; word <= static_cast<int>(kinds.size()); ++word) {
@@ -120,7 +122,7 @@ Call loggedCall(const std::string& name, const LoggedRow& row, bool second) {
         call.entry += (word > 1 ? ", " : "") +
                       (kind == "%c"   ? std::string(1, static_cast<char>(at[0]))
                        : kind == "%d" ? std::to_string(integer)
-                       : kind == "%p" ? pointerText(call.words[word - 1])
+                       : kind == "%p" ? formatted("%p", call.words[word - 1])
                        : kind == "%f" ? real(at, word + 0.25)
                                       : "(" + real(at, word + 0.25) + "," + real(at + (single ? 4 : 8), -word - 0.5) + ")");
     }
@@ -272,3 +274,52 @@ INSTANTIATE_TEST_SUITE_P(Scenarios, CpuOnlyRoutines,
                                          Scenario{"MissingLibrary", "libvorn-no-such-library.so", true, true},
                                          Scenario{"MissingSymbols", libraryWithoutLapack, false, true}),
                          [](const auto& info) { return std::string(info.param.name); });
+
+// The dynamic symbols are the export list, nothing more and nothing less: 6,660
+// names, the four spellings of each forwarded, logged and routed routine
+// and of lsame, and the four control calls. On Windows the build checks the DLL's
+// export table (tools/check-windows-exports.sh).
+#if !defined(_WIN32)
+TEST(ExportSurface, DynamicSymbolsAreExactlyTheExportList) {
+    std::multiset<std::string> expected = {"vornLinkSetCpuAlways", "vornLinkSetGpuAlways", "vornLinkClearCpuAlways",
+                                           "vornLinkClearGpuAlways"};
+    auto add = [&](const std::string& routine) {
+        for (const auto& name : spellings(routine)) expected.insert(name);
+    };
+    add("lsame");
+    for (const char* routine : routine_classes::forwardedRoutines) add(routine);
+    for (const char* routine : routine_classes::loggedRoutines) add(routine);
+#define ROUTED(base, ...) add(#base);
+#include "routines/routed/routed_routines.inc"
+#undef ROUTED
+    EXPECT_EQ(expected.size(), 6660u);
+    EXPECT_EQ(definedDynamicSymbols(VORN_TEST_NM, VORN_TEST_LINK_LIBRARY), expected);
+}
+#endif
+
+// lsame folds the 26 ASCII letters and nothing else, by every spelling.
+// As the first calls of a process it starts nothing: no log line, and the GPU
+// library is never initialised, which the emulator's record would show. The call
+// of a forwarded routine after it does start up, and is recorded.
+TEST(Lsame, FoldsOnlyAsciiLettersAndStartsNothing) {
+    setEnv("VORN_VERBOSE", "1");
+    const std::string record = useRecord();
+    void* link = openLibrary(VORN_TEST_LINK_LIBRARY);
+    ASSERT_NE(link, nullptr) << VORN_TEST_LINK_LIBRARY;
+    const std::tuple<unsigned char, unsigned char, int32_t> cases[] = {
+        {'a', 'A', 1}, {'A', 'a', 1}, {'z', 'Z', 1}, {'A', 'B', 0}, {'b', 'A', 0},   {'N', 'n', 1}, {'7', '7', 1},
+        {'[', '[', 1}, {200, 200, 1}, {255, 255, 1}, {'[', '{', 0}, {64, 96, 0},     {96, 64, 0},   {0xE1, 0xC1, 0},
+        {'{', '[', 0}, {0, 0, 1}};
+    StdoutCapture output;
+    for (const auto& name : spellings("lsame")) {
+        const auto lsame = reinterpret_cast<int32_t (*)(const void*, const void*)>(librarySymbol(link, name.c_str()));
+        ASSERT_NE(lsame, nullptr) << name;
+        for (const auto& [a, b, same] : cases) EXPECT_EQ(lsame(&a, &b), same) << name << " " << int(a) << " " << int(b);
+    }
+    EXPECT_THAT(output.next(), testing::IsEmpty());
+    EXPECT_EQ(readFile(record), "");
+    char cmach = 'E';
+    callRoutine(librarySymbol(link, "dlamch"), Result::real64, {&cmach});
+    output.stop();
+    EXPECT_THAT(readFile(record), testing::StartsWith("vornInitialize()"));
+}

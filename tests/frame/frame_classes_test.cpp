@@ -27,13 +27,6 @@
 using Lines = std::vector<std::string>;
 using Words = std::vector<void*>;
 
-template <class... T>
-static std::string text(const char* format, T... values) {
-    char buffer[512];
-    std::snprintf(buffer, sizeof buffer, format, values...);
-    return buffer;
-}
-
 // The fake GPU library: every answer is set by the test. (The by-value arguments
 // that a GPU routine gets are the family tests', in the emulator's record.)
 static struct { int status, errorInfo; } gpu;
@@ -42,7 +35,7 @@ int vornInitialize() { return 0; }
 void vornShutdown() {}
 const char* vornGetStatusString(int status) {
     static std::string words;
-    return (words = text("fake failure %d", status)).c_str();
+    return (words = formatted("fake failure %d", status)).c_str();
 }
 int vornGetErrorInfo() { return gpu.errorInfo; }
 
@@ -77,14 +70,14 @@ struct GetriCall {
     int64_t n, lwork, lda = 5, ipiv[4]{}, info = presetInfo;
     double a[4]{}, work[2]{};
     Words words() { return {&n, a, &lda, ipiv, work, &lwork, &info}; }
-    std::string entry(const char* name) { return text("vorn info:  %s (%d, %p, 5, %p)", name, low(n), a, ipiv); }
+    std::string entry(const char* name) { return formatted("vorn info:  %s (%d, %p, 5, %p)", name, low(n), a, ipiv); }
 };
 struct SyevdCall {
     int64_t n, lwork, lda = 3, iwork[2]{}, liwork = -1, info = presetInfo;
     char jobz = 'V', uplo = 'L';
     float a[4]{}, w[2]{}, work[2]{};
     Words words() { return {&jobz, &uplo, &n, a, &lda, w, work, &lwork, iwork, &liwork, &info}; }
-    std::string entry(const char* name) { return text("vorn info:  %s (V, L, %d, %p, 3, %p)", name, low(n), a, w); }
+    std::string entry(const char* name) { return formatted("vorn info:  %s (V, L, %d, %p, 3, %p)", name, low(n), a, w); }
 };
 
 CpuRecord& cpu = *recordingCpu();
@@ -114,7 +107,7 @@ const std::string issuing = "vorn info:  issuing to ", over = issuing + "GPU (ov
 Lines operator+(Lines a, const Lines& b) { return a.insert(a.end(), b.begin(), b.end()), a; }
 // The lines of a failed GPU call up to the second pass's issuing line.
 Lines retried(int status) {
-    return {text("vorn error: fake failure %d", status), "vorn error: Retrying with CPU",
+    return {formatted("vorn error: fake failure %d", status), "vorn error: Retrying with CPU",
             issuing + "CPU (retrying on GPU error)"};
 }
 
@@ -157,8 +150,7 @@ INSTANTIATE_TEST_SUITE_P(Integers, FrameClassC, testing::Bool(),
                          [](const auto& info) { return info.param ? "Ilp64" : "Lp64"; });
 
 TEST_P(FrameClassC, LinesAndInfoOfEachOutcome) {
-    const std::string log = tempPath("vorn.log");
-    setEnv("VORN_DEBUG_LOG", log);
+    const std::string log = useLogFile();
     setEnv("VORN_CPU_LIB", RECORDING_CPU_PATH);
     if (GetParam()) setEnv("VORN_ILP64", "1");
     linkInitGpu();
@@ -204,7 +196,7 @@ TEST_P(FrameClassC, LinesAndInfoOfEachOutcome) {
             gpu.errorInfo = c.errorInfo;
             cpu.info = c.cpuInfo;
             const Outcome outcome = c.run(c.n, c.lwork);
-            SCOPED_TRACE(outcome.entry + text(", lwork %d, status %d, verbose %d", low(c.lwork), c.status, verbose));
+            SCOPED_TRACE(outcome.entry + formatted(", lwork %d, status %d, verbose %d", low(c.lwork), c.status, verbose));
             const Lines lines = readLines(log), expected = Lines{outcome.entry} + c.lines;
             EXPECT_EQ(Lines(lines.begin() + before, lines.end()),
                       verbose ? expected : linesStartingWith(expected, "vorn error"));

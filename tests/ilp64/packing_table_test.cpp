@@ -186,28 +186,6 @@ TEST(PackingTable, DerivedLengthsAtTheirWorkedValues) {
     EXPECT_EQ(treatmentOf<"dlacn2">({}), (Treatment{{4, {scalar, false}}, {6, {scalar, false}}, {7, {3, false}}}));
 }
 
-// Pack moves each element's low half down to 4 bytes; unpack moves them back
-// with high halves of 0. The bytes behind the array are never touched, and a
-// negative or zero length touches nothing at all.
-TEST(PackingSteps, ArraysMoveInPlace) {
-    const int64_t given[] = {1, -2, int64_t{3} | (int64_t{7} << 32), 0x123456789};
-    int64_t cells[6] = {given[0], given[1], given[2], given[3], -1, -1};
-    linkPackArray(cells, 3);
-    const int32_t packed[] = {1, -2, 3};
-    EXPECT_EQ(std::memcmp(cells, packed, sizeof packed), 0);
-    EXPECT_EQ(std::memcmp(reinterpret_cast<char*>(cells) + 12, reinterpret_cast<const char*>(given) + 12, 12), 0);
-    EXPECT_EQ(cells[3], given[3]);
-    linkUnpackArray(cells, 3);
-    const int64_t unpacked[] = {1, 0xfffffffe, 3, 0x123456789, -1, -1};
-    EXPECT_EQ(std::memcmp(cells, unpacked, sizeof unpacked), 0);
-
-    for (int32_t length : {0, -1, INT32_MIN}) {
-        linkPackArray(cells, length);
-        linkUnpackArray(cells, length);
-        EXPECT_EQ(std::memcmp(cells, unpacked, sizeof unpacked), 0) << length;
-    }
-}
-
 // An array whose length reads an output of the routine (dstevr's isuppz, with m)
 // is left alone by the pack step, and by the unpack step too when the routine
 // rejected an argument: then m holds whatever the caller left there.

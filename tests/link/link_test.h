@@ -18,13 +18,12 @@ extern "C" void vornLinkSetCpuAlways();
 extern "C" void vornLinkSetGpuAlways();
 extern "C" void vornLinkClearCpuAlways();
 extern "C" void vornLinkClearGpuAlways();
-// The default CPU library, which the link library names in its log.
+// The log's line naming the default CPU library.
 #if defined(_WIN32)
-inline constexpr const char* defaultCpuLibrary = "lapackcpu.dll";
+inline const std::string cpuLibraryLine = "vorn info:  CPU library is lapackcpu.dll";
 #else
-inline constexpr const char* defaultCpuLibrary = "liblapackcpu.so";
+inline const std::string cpuLibraryLine = "vorn info:  CPU library is liblapackcpu.so";
 #endif
-inline const std::string cpuLibraryLine = std::string("vorn info:  CPU library is ") + defaultCpuLibrary;
 
 inline constexpr int spotrfCrossover = 1024;
 
@@ -52,20 +51,11 @@ inline std::vector<float> factor(char uplo, int n, int* info) {
     spotrf(&uplo, &n, a.data(), &n, info);
     return a;
 }
-// The log and the emulator's record of this test; naming them must precede the
-// first call.
-inline std::string useFile(const char* variable, const char* name) {
-    const std::string path = tempPath(name);
-    setEnv(variable, path);
-    return path;
-}
-inline std::string useLogFile() { return useFile("VORN_DEBUG_LOG", "vorn.log"); }
-inline std::string useRecord() { return useFile("VORN_EMU_RECORD", "emulator.record"); }
 
 // The arguments that spotrf's entry line and the emulator's record show for a
 // call on spdMatrix(n) in the lower triangle.
 inline std::string spotrfArguments(int n, const void* a) {
-    return "(L, " + std::to_string(n) + ", " + pointerText(a) + ", " + std::to_string(n) + ")";
+    return "(L, " + std::to_string(n) + ", " + formatted("%p", a) + ", " + std::to_string(n) + ")";
 }
 
 // The log and the emulator's record that a sequence of spotrf calls should leave.

@@ -57,12 +57,6 @@ std::vector<std::string> readLines(const std::string& path) {
 
 void writeFile(const std::string& path, const std::string& text) { std::ofstream(path, std::ios::binary) << text; }
 
-std::string pointerText(const void* pointer) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%p", pointer);
-    return text;
-}
-
 std::vector<std::string> linesStartingWith(const std::vector<std::string>& lines, const std::string& prefix) {
     std::vector<std::string> found;
     for (const auto& line : lines)

@@ -1,6 +1,7 @@
 // Helpers shared by the tests: temporary files, reading logs, capturing stdout.
 #pragma once
 
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -11,8 +12,13 @@ std::string readFile(const std::string& path);
 std::vector<std::string> readLines(const std::string& path);
 void writeFile(const std::string& path, const std::string& content);
 
-// The text printf gives a pointer with %p.
-std::string pointerText(const void* pointer);
+// What printf writes for `format` and `values` (a pointer with %p, as the log shows it).
+template <class... T>
+std::string formatted(const char* format, T... values) {
+    char text[512];
+    std::snprintf(text, sizeof text, format, values...);
+    return text;
+}
 
 // Lines of `lines` that start with `prefix`.
 std::vector<std::string> linesStartingWith(const std::vector<std::string>& lines, const std::string& prefix);
@@ -20,6 +26,16 @@ std::vector<std::string> linesStartingWith(const std::vector<std::string>& lines
 // Sets an environment variable for this process (tests set them before the first
 // call into the library, which reads the environment once).
 void setEnv(const char* name, const std::string& value);
+
+// The log and the emulator's record of this test; naming them must precede the
+// first call.
+inline std::string useFile(const char* variable, const char* name) {
+    const std::string path = tempPath(name);
+    setEnv(variable, path);
+    return path;
+}
+inline std::string useLogFile() { return useFile("VORN_DEBUG_LOG", "vorn.log"); }
+inline std::string useRecord() { return useFile("VORN_EMU_RECORD", "emulator.record"); }
 
 // A shared library opened by path or name, and a symbol of it (dlopen and dlsym,
 // LoadLibraryA and GetProcAddress); both give null where nothing is found.
