@@ -138,6 +138,15 @@ cudaError_t wait(cudaStream_t stream, std::uint64_t upTo) {
     return failsNow("wait") ? cudaErrorLaunchFailure : cudaSuccess;
 }
 
+// Destroys a stream (after its queued work), event or handle, unless a device
+// reset has already: the answer is `gone` then, else `done`.
+template <class Object, class Status> Status destroy(Object* o, const char* function, Status gone, Status done) {
+    if (stale(o, function)) return gone;
+    if constexpr (std::is_same_v<Object, CUstream_st>) drain(o, UINT64_MAX);
+    delete o;
+    return done;
+}
+
 // A block of a registry, aligned; and its release.
 void* allocate(std::map<const char*, size_t>& blocks, size_t bytes, size_t alignment) {
     char* block = static_cast<char*>(std::aligned_alloc(alignment, (bytes + alignment - 1) / alignment * alignment));
@@ -279,14 +288,13 @@ template <class Size> cusolverStatus_t sized(cusolverDnHandle_t h, Size* answer,
     return CUSOLVER_STATUS_SUCCESS;
 }
 
-// getrf's workspace, in elements: something, so that the library must place it.
-int luWork(int m, int n) { return m + n + 1; }
-
 // The workspace of dsgesv and zcgesv: LAPACK's work (n x nrhs), its lower-precision
 // swork (n x (n + nrhs)), then zcgesv's real rwork (n).
 template <class T, class Low> size_t mixedBytes(int n, int nrhs) {
     return size_t(n) * nrhs * sizeof(T) + size_t(n) * (n + nrhs) * sizeof(Low) + size_t(n) * sizeof(double);
 }
+// getrf's workspace, in elements: something, so that the library must place it.
+int luWork(int m, int n) { return m + n + 1; }
 // The workspace of geqrf, orgqr, ormqr, orgbr and gebrd, in elements: more than
 // LAPACK's smallest, enough for OpenBLAS's blocked code.
 int blockedWork(int m, int n) { return 64 * (m + n) + 1; }
@@ -709,17 +717,12 @@ cudaError_t cudaHostUnregister(void* p) {
 
 cudaError_t cudaStreamCreateWithFlags(cudaStream_t* stream, unsigned int) { *stream = new CUstream_st; return cudaSuccess; }
 cudaError_t cudaStreamDestroy(cudaStream_t stream) {
-    if (stale(stream, __func__)) return cudaErrorInvalidResourceHandle;
-    drain(stream, UINT64_MAX);
-    delete stream;
-    return cudaSuccess;
+    return destroy(stream, __func__, cudaErrorInvalidResourceHandle, cudaSuccess);
 }
 cudaError_t cudaStreamSynchronize(cudaStream_t stream) { return wait(stream, UINT64_MAX); }
 cudaError_t cudaEventCreateWithFlags(cudaEvent_t* event, unsigned int) { *event = new CUevent_st; return cudaSuccess; }
 cudaError_t cudaEventDestroy(cudaEvent_t event) {
-    if (stale(event, __func__)) return cudaErrorInvalidResourceHandle;
-    delete event;
-    return cudaSuccess;
+    return destroy(event, __func__, cudaErrorInvalidResourceHandle, cudaSuccess);
 }
 // Forgets the current device's memory and every pinned block (left allocated:
 // whatever still points there must not be freed again) and outdates its objects.
@@ -761,10 +764,8 @@ cudaError_t cudaMemsetAsync(void* p, int value, size_t count, cudaStream_t strea
 cudaError_t cudaMemset2DAsync(void* p, size_t pitch, int value, size_t width, size_t height, cudaStream_t stream) {
     if (width == 0 || height == 0) return cudaSuccess;
     if (!current(stream->device, "a stream", "cudaMemset")) return cudaErrorInvalidResourceHandle;
-    if (pitch < width || !onDevice(p, pitch * (height - 1) + width)) {
-        std::fprintf(stderr, "cuda stand-in: cudaMemset: not device memory\n");
+    if (!Operand("p", static_cast<const char*>(p), long(width), long(height), long(pitch)).onDevice("cudaMemset"))
         return cudaErrorInvalidValue;
-    }
     enqueue(stream, [=] {
         for (size_t row = 0; row < height; ++row) std::memset(static_cast<char*>(p) + row * pitch, value, width);
     });
@@ -775,9 +776,7 @@ cudaError_t cudaMemset2DAsync(void* p, size_t pitch, int value, size_t width, si
 
 cublasStatus_t cublasCreate_v2(cublasHandle_t* handle) { *handle = new cublasContext; return CUBLAS_STATUS_SUCCESS; }
 cublasStatus_t cublasDestroy_v2(cublasHandle_t handle) {
-    if (stale(handle, __func__)) return CUBLAS_STATUS_NOT_INITIALIZED;
-    delete handle;
-    return CUBLAS_STATUS_SUCCESS;
+    return destroy(handle, __func__, CUBLAS_STATUS_NOT_INITIALIZED, CUBLAS_STATUS_SUCCESS);
 }
 cublasStatus_t cublasSetStream_v2(cublasHandle_t handle, cudaStream_t stream) {
     handle->stream = stream;
@@ -803,9 +802,7 @@ STAND_IN_EACH_TYPE(STAND_IN_GEAM)
 
 cusolverStatus_t cusolverDnCreate(cusolverDnHandle_t* handle) { *handle = new cusolverDnContext; return CUSOLVER_STATUS_SUCCESS; }
 cusolverStatus_t cusolverDnDestroy(cusolverDnHandle_t handle) {
-    if (stale(handle, __func__)) return CUSOLVER_STATUS_NOT_INITIALIZED;
-    delete handle;
-    return CUSOLVER_STATUS_SUCCESS;
+    return destroy(handle, __func__, CUSOLVER_STATUS_NOT_INITIALIZED, CUSOLVER_STATUS_SUCCESS);
 }
 cusolverStatus_t cusolverDnSetStream(cusolverDnHandle_t handle, cudaStream_t stream) {
     handle->stream = stream;
