@@ -27,7 +27,6 @@
 #include <map>
 #include <mutex>
 #include <set>
-#include <tuple>
 #include <string>
 #include <type_traits>
 #include <unistd.h>
@@ -137,6 +136,15 @@ void drain(cudaStream_t stream, std::uint64_t upTo) {
 cudaError_t wait(cudaStream_t stream, std::uint64_t upTo) {
     drain(stream, upTo);
     return failsNow("wait") ? cudaErrorLaunchFailure : cudaSuccess;
+}
+
+// Destroys a stream (after its queued work), event or handle, unless a device
+// reset has already: the answer is `gone` then, else `done`.
+template <class Object, class Status> Status destroy(Object* o, const char* function, Status gone, Status done) {
+    if (stale(o, function)) return gone;
+    if constexpr (std::is_same_v<Object, CUstream_st>) drain(o, UINT64_MAX);
+    delete o;
+    return done;
 }
 
 // A block of a registry, aligned; and its release.
@@ -273,29 +281,23 @@ char fill(cublasFillMode_t f) { return f == CUBLAS_FILL_MODE_UPPER ? 'U' : 'L'; 
 char side(cublasSideMode_t s) { return s == CUBLAS_SIDE_LEFT ? 'L' : 'R'; }
 char diag(cublasDiagType_t d) { return d == CUBLAS_DIAG_UNIT ? 'U' : 'N'; }
 
-// getrf's workspace, in elements: something, so that the library must place it.
-int luWork(int m, int n) { return m + n + 1; }
+// A bufferSize routine's answer, for a live handle.
+template <class Size> cusolverStatus_t sized(cusolverDnHandle_t h, Size* answer, Size size) {
+    if (h == nullptr) return CUSOLVER_STATUS_NOT_INITIALIZED;
+    *answer = size;
+    return CUSOLVER_STATUS_SUCCESS;
+}
 
 // The workspace of dsgesv and zcgesv: LAPACK's work (n x nrhs), its lower-precision
 // swork (n x (n + nrhs)), then zcgesv's real rwork (n).
 template <class T, class Low> size_t mixedBytes(int n, int nrhs) {
     return size_t(n) * nrhs * sizeof(T) + size_t(n) * (n + nrhs) * sizeof(Low) + size_t(n) * sizeof(double);
 }
-// The workspace that OpenBLAS's routine asks for in its query (lwork = -1), in
-// elements: the stand-in's routine of the same name is given that much and
-// computes as OpenBLAS does with it. The arguments before work and after info.
-int elements(float w) { return int(w); }
-int elements(double w) { return int(w); }
-int elements(C w) { return int(w.x); }
-int elements(Z w) { return int(w.x); }
-template <class T, class... Before, class... After>
-int queried(const char* name, std::tuple<Before...> before, std::tuple<After...> after) {
-    T size{};
-    int query = -1, info = 0;
-    std::apply([&](auto... b) { std::apply([&](auto... a) { openBlas(name, b..., &size, &query, &info, a...); }, after); },
-               before);
-    return std::max(1, elements(size));
-}
+// getrf's workspace, in elements: something, so that the library must place it.
+int luWork(int m, int n) { return m + n + 1; }
+// The workspace of geqrf, orgqr, ormqr, orgbr and gebrd, in elements: more than
+// LAPACK's smallest, enough for OpenBLAS's blocked code.
+int blockedWork(int m, int n) { return 64 * (m + n) + 1; }
 
 // The size of an element of cuSOLVER's generic interface; 0 for a type the stand-in lacks.
 size_t trtriElement(cudaDataType type) {
@@ -314,10 +316,16 @@ template <class T> void scribble(T* a, int n, int lda) {
 
 // LAPACK's smallest workspaces of syevd/heevd and sygvd/hegvd with eigenvectors,
 // which serve without them too: work in elements (the cuSOLVER workspace here),
-// then the real and integer ones, which the stand-in keeps to itself.
+// then the real and integer ones, which the stand-in keeps to itself: eigenSolve
+// calls LAPACK's routine with `args` up to lwork, then those, then info.
 int eigenWork(bool complex, int n) { return complex ? 2 * n + n * n + 1 : 1 + 6 * n + 2 * n * n; }
-int eigenRealWork(int n) { return 1 + 5 * n + 2 * n * n; }
-int eigenIntegerWork(int n) { return 3 + 5 * n; }
+template <class R, class... Args> void eigenSolve(const char* name, bool complex, int n, int* info, Args... args) {
+    std::vector<R> rwork(1 + 5 * n + 2 * n * n);
+    std::vector<int> iwork(3 + 5 * n);
+    int lrwork = int(rwork.size()), liwork = int(iwork.size());
+    if (complex) openBlas(name, args..., rwork.data(), &lrwork, iwork.data(), &liwork, info, oneChar, oneChar);
+    else openBlas(name, args..., iwork.data(), &liwork, info, oneChar, oneChar);
+}
 // gesvd's: LAPACK's smallest work for any jobu and jobvt, in elements.
 int svdWork(bool complex, int m, int n) {
     const int k = std::min(m, n), most = std::max(m, n);
@@ -335,12 +343,10 @@ template <class T> T conjugate(T v) {
 }  // namespace
 
 // syevd and heevd over LAPACK's own; the complex ones take a real workspace too.
-#define STAND_IN_SYEVD(p, P, T, R, root, ...) \
+#define STAND_IN_SYEVD(p, P, T, R, root) \
     cusolverStatus_t cusolverDn##P##root##_bufferSize(cusolverDnHandle_t h, cusolverEigMode_t, cublasFillMode_t, \
                                                       int n, const T*, int, const R*, int* lwork) { \
-        if (h == nullptr) return CUSOLVER_STATUS_NOT_INITIALIZED; \
-        *lwork = eigenWork(complexType<T>, n); \
-        return CUSOLVER_STATUS_SUCCESS; \
+        return sized(h, lwork, eigenWork(complexType<T>, n)); \
     } \
     cusolverStatus_t cusolverDn##P##root(cusolverDnHandle_t h, cusolverEigMode_t mode, cublasFillMode_t u, int n, \
                                         T* A, int lda, R* W, T* work, int lwork, int* info) { \
@@ -348,23 +354,16 @@ template <class T> T conjugate(T v) {
         return launch(h, "cusolverDn" #P #root, {{"A", A, n, n, lda}, words("W", W, n), \
                       words("workspace", work, lwork), words("info", info, 1)}, \
                       [=, jobz = eigenJob(mode), uplo = fill(u)] { \
-            std::vector<R> rwork(eigenRealWork(n)); \
-            std::vector<int> iwork(eigenIntegerWork(n)); \
-            [[maybe_unused]] int lrwork = int(rwork.size()); \
-            int liwork = int(iwork.size()); \
-            openBlas(#p #root "_", &jobz, &uplo, &n, A, &lda, W, work, &lwork, __VA_ARGS__ iwork.data(), &liwork, \
-                     info, oneChar, oneChar); \
+            eigenSolve<R>(#p #root "_", complexType<T>, n, info, &jobz, &uplo, &n, A, &lda, W, work, &lwork); \
         }); \
     }
 
 // sygvd and hegvd over LAPACK's own.
-#define STAND_IN_SYGVD(p, P, T, R, root, ...) \
+#define STAND_IN_SYGVD(p, P, T, R, root) \
     cusolverStatus_t cusolverDn##P##root##_bufferSize(cusolverDnHandle_t h, cusolverEigType_t, cusolverEigMode_t, \
                                                       cublasFillMode_t, int n, const T*, int, const T*, int, \
                                                       const R*, int* lwork) { \
-        if (h == nullptr) return CUSOLVER_STATUS_NOT_INITIALIZED; \
-        *lwork = eigenWork(complexType<T>, n); \
-        return CUSOLVER_STATUS_SUCCESS; \
+        return sized(h, lwork, eigenWork(complexType<T>, n)); \
     } \
     cusolverStatus_t cusolverDn##P##root(cusolverDnHandle_t h, cusolverEigType_t type, cusolverEigMode_t mode, \
                                         cublasFillMode_t u, int n, T* A, int lda, T* B, int ldb, R* W, T* work, \
@@ -373,12 +372,8 @@ template <class T> T conjugate(T v) {
         return launch(h, "cusolverDn" #P #root, {{"A", A, n, n, lda}, {"B", B, n, n, ldb}, words("W", W, n), \
                       words("workspace", work, lwork), words("info", info, 1)}, \
                       [=, itype = int(type), jobz = eigenJob(mode), uplo = fill(u)] { \
-            std::vector<R> rwork(eigenRealWork(n)); \
-            std::vector<int> iwork(eigenIntegerWork(n)); \
-            [[maybe_unused]] int lrwork = int(rwork.size()); \
-            int liwork = int(iwork.size()); \
-            openBlas(#p #root "_", &itype, &jobz, &uplo, &n, A, &lda, B, &ldb, W, work, &lwork, __VA_ARGS__ \
-                     iwork.data(), &liwork, info, oneChar, oneChar); \
+            eigenSolve<R>(#p #root "_", complexType<T>, n, info, &itype, &jobz, &uplo, &n, A, &lda, B, &ldb, W, work, \
+                          &lwork); \
         }); \
     }
 
@@ -387,9 +382,7 @@ template <class T> T conjugate(T v) {
 // rwork(1:k-1) in complex ones).
 #define STAND_IN_GESVD(p, P, T, R) \
     cusolverStatus_t cusolverDn##P##gesvd_bufferSize(cusolverDnHandle_t h, int m, int n, int* lwork) { \
-        if (h == nullptr) return CUSOLVER_STATUS_NOT_INITIALIZED; \
-        *lwork = svdWork(complexType<T>, m, n); \
-        return CUSOLVER_STATUS_SUCCESS; \
+        return sized(h, lwork, svdWork(complexType<T>, m, n)); \
     } \
     cusolverStatus_t cusolverDn##P##gesvd(cusolverDnHandle_t h, signed char jobu, signed char jobvt, int m, int n, \
                                          T* A, int lda, R* S, T* U, int ldu, T* VT, int ldvt, T* work, int lwork, \
@@ -415,16 +408,11 @@ template <class T> T conjugate(T v) {
 // gebrd over LAPACK's, for m >= n only, as cuSOLVER's.
 #define STAND_IN_GEBRD(p, P, T, R) \
     cusolverStatus_t cusolverDn##P##gebrd_bufferSize(cusolverDnHandle_t h, int m, int n, int* lwork) { \
-        if (h == nullptr) return CUSOLVER_STATUS_NOT_INITIALIZED; \
-        *lwork = queried<T>(#p "gebrd_", std::tuple{&m, &n, (T*)nullptr, &m, (R*)nullptr, (R*)nullptr, (T*)nullptr, \
-                            (T*)nullptr}, std::tuple{}); \
-        return CUSOLVER_STATUS_SUCCESS; \
+        return sized(h, lwork, blockedWork(m, n)); \
     } \
     cusolverStatus_t cusolverDn##P##gebrd(cusolverDnHandle_t h, int m, int n, T* A, int lda, R* D, R* E, T* tauq, \
                                          T* taup, T* work, int lwork, int* info) { \
-        int needed = 0; \
-        cusolverDn##P##gebrd_bufferSize(h, m, n, &needed); \
-        if (m < n || lwork < needed) return CUSOLVER_STATUS_INVALID_VALUE; \
+        if (m < n || lwork < blockedWork(m, n)) return CUSOLVER_STATUS_INVALID_VALUE; \
         return launch(h, "cusolverDn" #P "gebrd", {{"A", A, m, n, lda}, words("D", D, n), words("E", E, n - 1), \
                       words("tauq", tauq, n), words("taup", taup, n), words("workspace", work, lwork), \
                       words("info", info, 1)}, \
@@ -432,7 +420,7 @@ template <class T> T conjugate(T v) {
     }
 
 // geam: only what the CUDA library asks of it, C = op(A) (alpha 1, beta 0).
-#define STAND_IN_GEAM(p, P, T) \
+#define STAND_IN_GEAM(p, P, T, R) \
     cublasStatus_t cublas##P##geam(cublasHandle_t h, cublasOperation_t ta, cublasOperation_t, int m, int n, \
                                    const T* alpha, const T* A, int lda, const T* beta, const T*, int, T* Cm, int ldc) { \
         if (realPart(*alpha) != 1 || imaginaryPart(*alpha) != 0 || realPart(*beta) != 0 || imaginaryPart(*beta) != 0) \
@@ -449,7 +437,7 @@ template <class T> T conjugate(T v) {
 
 // ---- cuBLAS
 
-#define STAND_IN_GEMM(p, P, T) \
+#define STAND_IN_GEMM(p, P, T, R) \
     cublasStatus_t cublas##P##gemm_v2(cublasHandle_t h, cublasOperation_t ta, cublasOperation_t tb, int m, int n, \
                                       int k, const T* alpha, const T* A, int lda, const T* B, int ldb, \
                                       const T* beta, T* C, int ldc) { \
@@ -498,7 +486,7 @@ template <class T> T conjugate(T v) {
 
 // trmm and trsm. cuBLAS's trmm writes C = alpha op(A) B, which may be B itself;
 // trsm solves in B.
-#define STAND_IN_TRMM(p, P, T) \
+#define STAND_IN_TRMM(p, P, T, R) \
     cublasStatus_t cublas##P##trmm_v2(cublasHandle_t h, cublasSideMode_t s, cublasFillMode_t u, \
                                       cublasOperation_t t, cublasDiagType_t d, int m, int n, const T* alpha, \
                                       const T* A, int lda, const T* B, int ldb, T* C, int ldc) { \
@@ -510,7 +498,7 @@ template <class T> T conjugate(T v) {
             openBlas(#p "trmm_", &a, &b, &c, &e, &m, &n, &al, A, &lda, C, &ldc, oneChar, oneChar, oneChar, oneChar); \
         }); \
     }
-#define STAND_IN_TRSM(p, P, T) \
+#define STAND_IN_TRSM(p, P, T, R) \
     cublasStatus_t cublas##P##trsm_v2(cublasHandle_t h, cublasSideMode_t s, cublasFillMode_t u, \
                                       cublasOperation_t t, cublasDiagType_t d, int m, int n, const T* alpha, \
                                       const T* A, int lda, T* B, int ldb) { \
@@ -535,123 +523,84 @@ template <class T> T conjugate(T v) {
 // stream, info written to device memory; the mixed-precision solvers at the call,
 // since they answer their iteration count on the host.
 
-#define STAND_IN_POTRF(p, P, T) \
-    cusolverStatus_t cusolverDn##P##potrf_bufferSize(cusolverDnHandle_t h, cublasFillMode_t, int n, T*, int, \
-                                                     int* lwork) { \
-        if (h == nullptr) return CUSOLVER_STATUS_NOT_INITIALIZED; \
-        *lwork = n + 1; \
-        return CUSOLVER_STATUS_SUCCESS; \
-    } \
-    cusolverStatus_t cusolverDn##P##potrf(cusolverDnHandle_t h, cublasFillMode_t u, int n, T* A, int lda, T* work, \
-                                         int lwork, int* info) { \
+#define STAND_IN_POTRF(p, P, T, root) \
+    cusolverStatus_t cusolverDn##P##root##_bufferSize(cusolverDnHandle_t h, cublasFillMode_t, int n, T*, int, \
+                                                      int* lwork) { return sized(h, lwork, n + 1); } \
+    cusolverStatus_t cusolverDn##P##root(cusolverDnHandle_t h, cublasFillMode_t u, int n, T* A, int lda, T* work, \
+                                        int lwork, int* info) { \
         if (lwork < n + 1) return CUSOLVER_STATUS_INVALID_VALUE; \
-        return launch(h, "cusolverDn" #P "potrf", {{"A", A, n, n, lda}, words("workspace", work, lwork), \
+        return launch(h, "cusolverDn" #P #root, {{"A", A, n, n, lda}, words("workspace", work, lwork), \
                       words("info", info, 1)}, \
-                      [=, uplo = fill(u)] { openBlas(#p "potrf_", &uplo, &n, A, &lda, info, oneChar); }); \
+                      [=, uplo = fill(u)] { openBlas(#p #root "_", &uplo, &n, A, &lda, info, oneChar); }); \
     }
 
-// potrs and potri; potri's workspace is something, so that the library must place it.
-#define STAND_IN_CHOLESKY(p, P, T) \
+// potrf, potri and potrs.
+#define STAND_IN_CHOLESKY(p, P, T, R) \
+    STAND_IN_POTRF(p, P, T, potrf) \
+    STAND_IN_POTRF(p, P, T, potri) \
     cusolverStatus_t cusolverDn##P##potrs(cusolverDnHandle_t h, cublasFillMode_t u, int n, int nrhs, const T* A, \
                                          int lda, T* B, int ldb, int* info) { \
         return launch(h, "cusolverDn" #P "potrs", {{"A", A, n, n, lda}, {"B", B, n, nrhs, ldb}, \
                       words("info", info, 1)}, [=, uplo = fill(u)] { \
             openBlas(#p "potrs_", &uplo, &n, &nrhs, A, &lda, B, &ldb, info, oneChar); \
         }); \
-    } \
-    cusolverStatus_t cusolverDn##P##potri_bufferSize(cusolverDnHandle_t h, cublasFillMode_t, int n, T*, int, \
-                                                     int* lwork) { \
-        if (h == nullptr) return CUSOLVER_STATUS_NOT_INITIALIZED; \
-        *lwork = n + 1; \
-        return CUSOLVER_STATUS_SUCCESS; \
-    } \
-    cusolverStatus_t cusolverDn##P##potri(cusolverDnHandle_t h, cublasFillMode_t u, int n, T* A, int lda, T* work, \
-                                         int lwork, int* info) { \
-        if (lwork < n + 1) return CUSOLVER_STATUS_INVALID_VALUE; \
-        return launch(h, "cusolverDn" #P "potri", {{"A", A, n, n, lda}, words("workspace", work, lwork), \
-                      words("info", info, 1)}, \
-                      [=, uplo = fill(u)] { openBlas(#p "potri_", &uplo, &n, A, &lda, info, oneChar); }); \
     }
 
 // geqrf, orgqr (ungqr), ormqr (unmqr) and orgbr (ungbr), each with the
-// workspace of OpenBLAS's query, which it checks it is given.
+// workspace of its bufferSize, which it checks it is given.
 #define STAND_IN_QR(p, P, T, org, orm) \
-    cusolverStatus_t cusolverDn##P##geqrf_bufferSize(cusolverDnHandle_t h, int m, int n, T*, int lda, int* lwork) { \
-        if (h == nullptr) return CUSOLVER_STATUS_NOT_INITIALIZED; \
-        *lwork = queried<T>(#p "geqrf_", std::tuple{&m, &n, (T*)nullptr, &lda, (T*)nullptr}, std::tuple{}); \
-        return CUSOLVER_STATUS_SUCCESS; \
+    cusolverStatus_t cusolverDn##P##geqrf_bufferSize(cusolverDnHandle_t h, int m, int n, T*, int, int* lwork) { \
+        return sized(h, lwork, blockedWork(m, n)); \
     } \
     cusolverStatus_t cusolverDn##P##geqrf(cusolverDnHandle_t h, int m, int n, T* A, int lda, T* tau, T* work, \
                                          int lwork, int* info) { \
-        int needed = 0; \
-        cusolverDn##P##geqrf_bufferSize(h, m, n, A, lda, &needed); \
-        if (lwork < needed) return CUSOLVER_STATUS_INVALID_VALUE; \
+        if (lwork < blockedWork(m, n)) return CUSOLVER_STATUS_INVALID_VALUE; \
         return launch(h, "cusolverDn" #P "geqrf", {{"A", A, m, n, lda}, words("tau", tau, std::min(m, n)), \
                       words("workspace", work, lwork), words("info", info, 1)}, \
                       [=] { openBlas(#p "geqrf_", &m, &n, A, &lda, tau, work, &lwork, info); }); \
     } \
-    cusolverStatus_t cusolverDn##P##org##qr_bufferSize(cusolverDnHandle_t h, int m, int n, int k, const T*, int lda, \
+    cusolverStatus_t cusolverDn##P##org##qr_bufferSize(cusolverDnHandle_t h, int m, int n, int, const T*, int, \
                                                       const T*, int* lwork) { \
-        if (h == nullptr) return CUSOLVER_STATUS_NOT_INITIALIZED; \
-        *lwork = queried<T>(#p #org "qr_", std::tuple{&m, &n, &k, (T*)nullptr, &lda, (T*)nullptr}, std::tuple{}); \
-        return CUSOLVER_STATUS_SUCCESS; \
+        return sized(h, lwork, blockedWork(m, n)); \
     } \
     cusolverStatus_t cusolverDn##P##org##qr(cusolverDnHandle_t h, int m, int n, int k, T* A, int lda, const T* tau, \
                                            T* work, int lwork, int* info) { \
-        int needed = 0; \
-        cusolverDn##P##org##qr_bufferSize(h, m, n, k, A, lda, tau, &needed); \
-        if (lwork < needed) return CUSOLVER_STATUS_INVALID_VALUE; \
+        if (lwork < blockedWork(m, n)) return CUSOLVER_STATUS_INVALID_VALUE; \
         return launch(h, "cusolverDn" #P #org "qr", {{"A", A, m, n, lda}, words("tau", tau, k), \
                       words("workspace", work, lwork), words("info", info, 1)}, \
                       [=] { openBlas(#p #org "qr_", &m, &n, &k, A, &lda, tau, work, &lwork, info); }); \
     } \
-    cusolverStatus_t cusolverDn##P##orm##qr_bufferSize(cusolverDnHandle_t h, cublasSideMode_t s, cublasOperation_t t, \
-                                                      int m, int n, int k, const T*, int lda, const T*, const T*, \
-                                                      int ldc, int* lwork) { \
-        if (h == nullptr) return CUSOLVER_STATUS_NOT_INITIALIZED; \
-        const char a = side(s), b = op(t); \
-        *lwork = queried<T>(#p #orm "qr_", std::tuple{&a, &b, &m, &n, &k, (T*)nullptr, &lda, (T*)nullptr, (T*)nullptr, \
-                            &ldc}, std::tuple{oneChar, oneChar}); \
-        return CUSOLVER_STATUS_SUCCESS; \
-    } \
+    cusolverStatus_t cusolverDn##P##orm##qr_bufferSize(cusolverDnHandle_t h, cublasSideMode_t, cublasOperation_t, \
+                                                      int m, int n, int, const T*, int, const T*, const T*, int, \
+                                                      int* lwork) { return sized(h, lwork, blockedWork(m, n)); } \
     cusolverStatus_t cusolverDn##P##orm##qr(cusolverDnHandle_t h, cublasSideMode_t s, cublasOperation_t t, int m, \
                                            int n, int k, const T* A, int lda, const T* tau, T* Cm, int ldc, T* work, \
                                            int lwork, int* info) { \
-        int needed = 0; \
-        cusolverDn##P##orm##qr_bufferSize(h, s, t, m, n, k, A, lda, tau, Cm, ldc, &needed); \
-        if (lwork < needed) return CUSOLVER_STATUS_INVALID_VALUE; \
+        if (lwork < blockedWork(m, n)) return CUSOLVER_STATUS_INVALID_VALUE; \
         const int nq = s == CUBLAS_SIDE_LEFT ? m : n; \
         return launch(h, "cusolverDn" #P #orm "qr", {{"A", A, nq, k, lda}, words("tau", tau, k), {"C", Cm, m, n, ldc}, \
                       words("workspace", work, lwork), words("info", info, 1)}, [=, a = side(s), b = op(t)] { \
             openBlas(#p #orm "qr_", &a, &b, &m, &n, &k, A, &lda, tau, Cm, &ldc, work, &lwork, info, oneChar, oneChar); \
         }); \
     } \
-    cusolverStatus_t cusolverDn##P##org##br_bufferSize(cusolverDnHandle_t h, cublasSideMode_t s, int m, int n, int k, \
-                                                      const T*, int lda, const T*, int* lwork) { \
-        if (h == nullptr) return CUSOLVER_STATUS_NOT_INITIALIZED; \
-        const char vect = s == CUBLAS_SIDE_LEFT ? 'Q' : 'P'; \
-        *lwork = queried<T>(#p #org "br_", std::tuple{&vect, &m, &n, &k, (T*)nullptr, &lda, (T*)nullptr}, \
-                            std::tuple{oneChar}); \
-        return CUSOLVER_STATUS_SUCCESS; \
+    cusolverStatus_t cusolverDn##P##org##br_bufferSize(cusolverDnHandle_t h, cublasSideMode_t, int m, int n, int, \
+                                                      const T*, int, const T*, int* lwork) { \
+        return sized(h, lwork, blockedWork(m, n)); \
     } \
     cusolverStatus_t cusolverDn##P##org##br(cusolverDnHandle_t h, cublasSideMode_t s, int m, int n, int k, T* A, \
                                            int lda, const T* tau, T* work, int lwork, int* info) { \
-        int needed = 0; \
-        cusolverDn##P##org##br_bufferSize(h, s, m, n, k, A, lda, tau, &needed); \
-        if (lwork < needed) return CUSOLVER_STATUS_INVALID_VALUE; \
-        const int reflectors = std::min(s == CUBLAS_SIDE_LEFT ? m : n, k); \
-        return launch(h, "cusolverDn" #P #org "br", {{"A", A, m, n, lda}, words("tau", tau, reflectors), \
-                      words("workspace", work, lwork), words("info", info, 1)}, \
-                      [=, vect = s == CUBLAS_SIDE_LEFT ? 'Q' : 'P'] { \
+        if (lwork < blockedWork(m, n)) return CUSOLVER_STATUS_INVALID_VALUE; \
+        const char vect = s == CUBLAS_SIDE_LEFT ? 'Q' : 'P'; \
+        return launch(h, "cusolverDn" #P #org "br", {{"A", A, m, n, lda}, \
+                      words("tau", tau, std::min(vect == 'Q' ? m : n, k)), words("workspace", work, lwork), \
+                      words("info", info, 1)}, [=] { \
             openBlas(#p #org "br_", &vect, &m, &n, &k, A, &lda, tau, work, &lwork, info, oneChar); \
         }); \
     }
 
-#define STAND_IN_LU(p, P, T) \
+#define STAND_IN_LU(p, P, T, R) \
     cusolverStatus_t cusolverDn##P##getrf_bufferSize(cusolverDnHandle_t h, int m, int n, T*, int, int* lwork) { \
-        if (h == nullptr) return CUSOLVER_STATUS_NOT_INITIALIZED; \
-        *lwork = luWork(m, n); \
-        return CUSOLVER_STATUS_SUCCESS; \
+        return sized(h, lwork, luWork(m, n)); \
     } \
     cusolverStatus_t cusolverDn##P##getrf(cusolverDnHandle_t h, int m, int n, T* A, int lda, T* work, int* ipiv, \
                                          int* info) { \
@@ -675,9 +624,7 @@ template <class T> T conjugate(T v) {
     cusolverStatus_t cusolverDn##PQ##gesv_bufferSize(cusolverDnHandle_t h, cusolver_int_t n, cusolver_int_t nrhs, T*, \
                                                      cusolver_int_t, cusolver_int_t*, T*, cusolver_int_t, T*, \
                                                      cusolver_int_t, void*, size_t* lwork_bytes) { \
-        if (h == nullptr) return CUSOLVER_STATUS_NOT_INITIALIZED; \
-        *lwork_bytes = mixedBytes<T, Low>(n, nrhs); \
-        return CUSOLVER_STATUS_SUCCESS; \
+        return sized(h, lwork_bytes, mixedBytes<T, Low>(n, nrhs)); \
     } \
     cusolverStatus_t cusolverDn##PQ##gesv(cusolverDnHandle_t h, cusolver_int_t n, cusolver_int_t nrhs, T* dA, \
                                           cusolver_int_t ldda, cusolver_int_t* dipiv, T* dB, cusolver_int_t lddb, \
@@ -696,7 +643,8 @@ template <class T> T conjugate(T v) {
         }, true); \
     }
 
-#define STAND_IN_EACH_TYPE(M) M(s, S, float) M(d, D, double) M(c, C, C) M(z, Z, Z)
+// Each precision: its letters, its type and its real type.
+#define STAND_IN_EACH_TYPE(M) M(s, S, float, float) M(d, D, double, double) M(c, C, C, float) M(z, Z, Z, double)
 
 extern "C" {
 
@@ -769,17 +717,12 @@ cudaError_t cudaHostUnregister(void* p) {
 
 cudaError_t cudaStreamCreateWithFlags(cudaStream_t* stream, unsigned int) { *stream = new CUstream_st; return cudaSuccess; }
 cudaError_t cudaStreamDestroy(cudaStream_t stream) {
-    if (stale(stream, __func__)) return cudaErrorInvalidResourceHandle;
-    drain(stream, UINT64_MAX);
-    delete stream;
-    return cudaSuccess;
+    return destroy(stream, __func__, cudaErrorInvalidResourceHandle, cudaSuccess);
 }
 cudaError_t cudaStreamSynchronize(cudaStream_t stream) { return wait(stream, UINT64_MAX); }
 cudaError_t cudaEventCreateWithFlags(cudaEvent_t* event, unsigned int) { *event = new CUevent_st; return cudaSuccess; }
 cudaError_t cudaEventDestroy(cudaEvent_t event) {
-    if (stale(event, __func__)) return cudaErrorInvalidResourceHandle;
-    delete event;
-    return cudaSuccess;
+    return destroy(event, __func__, cudaErrorInvalidResourceHandle, cudaSuccess);
 }
 // Forgets the current device's memory and every pinned block (left allocated:
 // whatever still points there must not be freed again) and outdates its objects.
@@ -821,10 +764,8 @@ cudaError_t cudaMemsetAsync(void* p, int value, size_t count, cudaStream_t strea
 cudaError_t cudaMemset2DAsync(void* p, size_t pitch, int value, size_t width, size_t height, cudaStream_t stream) {
     if (width == 0 || height == 0) return cudaSuccess;
     if (!current(stream->device, "a stream", "cudaMemset")) return cudaErrorInvalidResourceHandle;
-    if (pitch < width || !onDevice(p, pitch * (height - 1) + width)) {
-        std::fprintf(stderr, "cuda stand-in: cudaMemset: not device memory\n");
+    if (!Operand("p", static_cast<const char*>(p), long(width), long(height), long(pitch)).onDevice("cudaMemset"))
         return cudaErrorInvalidValue;
-    }
     enqueue(stream, [=] {
         for (size_t row = 0; row < height; ++row) std::memset(static_cast<char*>(p) + row * pitch, value, width);
     });
@@ -835,9 +776,7 @@ cudaError_t cudaMemset2DAsync(void* p, size_t pitch, int value, size_t width, si
 
 cublasStatus_t cublasCreate_v2(cublasHandle_t* handle) { *handle = new cublasContext; return CUBLAS_STATUS_SUCCESS; }
 cublasStatus_t cublasDestroy_v2(cublasHandle_t handle) {
-    if (stale(handle, __func__)) return CUBLAS_STATUS_NOT_INITIALIZED;
-    delete handle;
-    return CUBLAS_STATUS_SUCCESS;
+    return destroy(handle, __func__, CUBLAS_STATUS_NOT_INITIALIZED, CUBLAS_STATUS_SUCCESS);
 }
 cublasStatus_t cublasSetStream_v2(cublasHandle_t handle, cudaStream_t stream) {
     handle->stream = stream;
@@ -863,9 +802,7 @@ STAND_IN_EACH_TYPE(STAND_IN_GEAM)
 
 cusolverStatus_t cusolverDnCreate(cusolverDnHandle_t* handle) { *handle = new cusolverDnContext; return CUSOLVER_STATUS_SUCCESS; }
 cusolverStatus_t cusolverDnDestroy(cusolverDnHandle_t handle) {
-    if (stale(handle, __func__)) return CUSOLVER_STATUS_NOT_INITIALIZED;
-    delete handle;
-    return CUSOLVER_STATUS_SUCCESS;
+    return destroy(handle, __func__, CUSOLVER_STATUS_NOT_INITIALIZED, CUSOLVER_STATUS_SUCCESS);
 }
 cusolverStatus_t cusolverDnSetStream(cusolverDnHandle_t handle, cudaStream_t stream) {
     handle->stream = stream;
@@ -912,12 +849,10 @@ STAND_IN_EACH_TYPE(STAND_IN_LU)
 STAND_IN_MIXED(DS, ds, double, float)
 STAND_IN_MIXED(ZC, zc, Z, C, rwork,)
 STAND_IN_SYEVD(s, S, float, float, syevd) STAND_IN_SYEVD(d, D, double, double, syevd)
-STAND_IN_SYEVD(c, C, C, float, heevd, rwork.data(), &lrwork,) STAND_IN_SYEVD(z, Z, Z, double, heevd, rwork.data(), &lrwork,)
+STAND_IN_SYEVD(c, C, C, float, heevd) STAND_IN_SYEVD(z, Z, Z, double, heevd)
 STAND_IN_SYGVD(s, S, float, float, sygvd) STAND_IN_SYGVD(d, D, double, double, sygvd)
-STAND_IN_SYGVD(c, C, C, float, hegvd, rwork.data(), &lrwork,) STAND_IN_SYGVD(z, Z, Z, double, hegvd, rwork.data(), &lrwork,)
-STAND_IN_GESVD(s, S, float, float) STAND_IN_GESVD(d, D, double, double)
-STAND_IN_GESVD(c, C, C, float) STAND_IN_GESVD(z, Z, Z, double)
-STAND_IN_GEBRD(s, S, float, float) STAND_IN_GEBRD(d, D, double, double)
-STAND_IN_GEBRD(c, C, C, float) STAND_IN_GEBRD(z, Z, Z, double)
+STAND_IN_SYGVD(c, C, C, float, hegvd) STAND_IN_SYGVD(z, Z, Z, double, hegvd)
+STAND_IN_EACH_TYPE(STAND_IN_GESVD)
+STAND_IN_EACH_TYPE(STAND_IN_GEBRD)
 
 }  // extern "C"
