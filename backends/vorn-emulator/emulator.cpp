@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
+#include <random>
 #include <thread>
 
 #include "core/platform.h"
@@ -49,6 +50,17 @@ ForcedStatus emulatorForcedStatus(const char* routine) {
         if (entry != nullptr) ++entry;
     }
     return {false, 0, 0};
+}
+
+int emulatorRandomFailure() {
+    const char* percent = std::getenv("VORN_EMU_RANDOM_FAILURES");
+    if (percent == nullptr) return 0;
+    // One generator per thread: no lock, and each thread its own sequence.
+    thread_local std::minstd_rand generator(std::random_device{}());
+    if (std::uniform_int_distribution<int>(0, 99)(generator) >= std::atoi(percent)) return 0;
+    const int status = std::uniform_int_distribution<int>(VORN_STATUS_NO_DEVICE, VORN_STATUS_DEPENDENCY_MISSING)(generator);
+    emulatorRecord("random failure %d", status);
+    return status;
 }
 
 int emulatorReadiness() { return readiness; }
