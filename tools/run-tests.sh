@@ -14,12 +14,16 @@ ctest --test-dir "$build" --output-on-failure -j"$(nproc)" || status=1
 # Any sanitizer report ends the test that made it, and so fails it.
 export ASAN_OPTIONS=halt_on_error=1:detect_leaks=1 UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1
 export TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1
+# The sanitizer runtimes intercept dlopen, and the loader then searches the
+# runtime's own paths instead of the calling library's RUNPATH: LD_LIBRARY_PATH
+# names the folder where the link library and the emulator find the CPU library.
 sanitized() {  # <folder> <sanitizers> <target> [ctest arguments...]
   local folder=$1 sanitizers=$2 target=$3
   shift 3
   cmake -S "$root" -B "$folder" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVORN_SANITIZE="$sanitizers" >/dev/null &&
     cmake --build "$folder" -j"$(nproc)" --target "$target" &&
-    ctest --test-dir "$folder" --output-on-failure -j"$(nproc)" "$@"
+    LD_LIBRARY_PATH="$folder${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH}" \
+      ctest --test-dir "$folder" --output-on-failure -j"$(nproc)" "$@"
 }
 parent=$(dirname "$build")
 sanitized "${VORN_ASAN_BUILD_DIR:-$parent/build-asan}" address,undefined all || status=1
