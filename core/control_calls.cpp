@@ -1,7 +1,8 @@
 // The run-time control calls: an application forces or releases a side, with the
 // effect of VORN_CPU_ALWAYS and VORN_GPU_ALWAYS. Each runs the start-up first, so
 // that the environment, read there, cannot overwrite what the call writes. The
-// flag is a plain store: routines read it afresh at their next route decision.
+// flag is a whole store, without order: routines read it afresh at their next
+// route decision.
 #include "core/link_state.h"
 #include "core/startup.h"
 #include "exports/words.h"
@@ -10,22 +11,22 @@ extern "C" {
 
 VORN_EXPORT void vornLinkSetCpuAlways() {
     linkInitGpu();
-    linkState.cpuAlways = 1;
+    platformStoreRelaxed(&linkState.cpuAlways, 1);
 }
 
 VORN_EXPORT void vornLinkSetGpuAlways() {
     linkInitGpu();
-    linkState.gpuAlways = 1;
+    platformStoreRelaxed(&linkState.gpuAlways, 1);
 }
 
 VORN_EXPORT void vornLinkClearCpuAlways() {
     linkInitGpu();
-    linkState.cpuAlways = 0;
+    platformStoreRelaxed(&linkState.cpuAlways, 0);
 }
 
 VORN_EXPORT void vornLinkClearGpuAlways() {
     linkInitGpu();
-    linkState.gpuAlways = 0;
+    platformStoreRelaxed(&linkState.gpuAlways, 0);
 }
 
 }  // extern "C"

@@ -83,6 +83,16 @@ inline int32_t platformLoadAcquire(const int32_t* flag) {
     return std::atomic_ref<int32_t>(*const_cast<int32_t*>(flag)).load(std::memory_order_acquire);
 }
 
+// Settings that the control calls change while other threads route calls: a
+// whole store and a whole load, with no order to other memory (a plain move on
+// x86-64), so that a concurrent read sees the old or the new value.
+inline void platformStoreRelaxed(int32_t* flag, int32_t value) {
+    std::atomic_ref<int32_t>(*flag).store(value, std::memory_order_relaxed);
+}
+inline int32_t platformLoadRelaxed(const int32_t* flag) {
+    return std::atomic_ref<int32_t>(*const_cast<int32_t*>(flag)).load(std::memory_order_relaxed);
+}
+
 // Reads one line of a text file as fgets does, at most size - 1 bytes up to and
 // including the newline, and terminates it. A CR LF line end reads as a newline,
 // as text mode gives it on Windows. Gives null when nothing could be read.

@@ -98,11 +98,12 @@ static int32_t linkBindCpuLibrary() {
     }
 
     // Both flags set make no sense together. They are looked at only here, once
-    // per process, however they came to be set.
-    if (linkState.cpuAlways && linkState.gpuAlways) {
+    // per process, however they came to be set. A control call on another thread
+    // may write them meanwhile.
+    if (platformLoadRelaxed(&linkState.cpuAlways) && platformLoadRelaxed(&linkState.gpuAlways)) {
         linkWriteLine("vorn error: both VORN_CPU_ALWAYS and VORN_GPU_ALWAYS are set; ignoring both\n");
-        linkState.cpuAlways = 0;
-        linkState.gpuAlways = 0;
+        platformStoreRelaxed(&linkState.cpuAlways, 0);
+        platformStoreRelaxed(&linkState.gpuAlways, 0);
     }
 
     if (const char* path = std::getenv("VORN_CPU_LIB")) {
@@ -143,9 +144,11 @@ int32_t linkBindCpu() {
 }
 
 void* linkLookUpCpuFunction(CpuSlot& slot, const char* name) {
-    if (slot.function == nullptr) slot.function = platformFindSymbol(linkState.cpuLibrary, name);
-    if (slot.function == nullptr) {
+    void* function = platformFindSymbol(linkState.cpuLibrary, name);
+    if (function == nullptr) {
         linkWriteLine("vorn error: Failed to read symbol '%s' from '%s'\n", name, linkState.cpuLibPath);
+        return nullptr;
     }
-    return slot.function;
+    std::atomic_ref<void*>(slot.function).store(function, std::memory_order_relaxed);
+    return function;
 }

@@ -28,8 +28,8 @@ inline int32_t linkInitCpu() {
 
 // One cell per routine that can reach the CPU library: the routine's function in
 // the CPU library, null until a look-up found it. All spellings of a routine share
-// one slot. Read and written without a lock: concurrent look-ups store the same
-// value, and a pointer-sized store is whole.
+// one slot. Read and written without a lock, as whole loads and stores without
+// order: concurrent look-ups store the same value.
 struct CpuSlot {
     void* function;
 };
@@ -39,13 +39,17 @@ struct CpuSlot {
 // verbose says) and gives null; the slot stays empty, so the next call of the
 // routine looks again. Only call after linkInitCpu gave 1.
 void* linkLookUpCpuFunction(CpuSlot& slot, const char* name);
+inline void* linkCachedCpuFunction(CpuSlot& slot) {
+    return std::atomic_ref<void*>(slot.function).load(std::memory_order_relaxed);
+}
 inline void* linkCpuFunction(CpuSlot& slot, const char* name) {
-    return slot.function != nullptr ? slot.function : linkLookUpCpuFunction(slot, name);
+    void* function = linkCachedCpuFunction(slot);
+    return function != nullptr ? function : linkLookUpCpuFunction(slot, name);
 }
 
 // The routine's CPU function when a call may take the frames' short path (see
 // plainCalls), else null.
 template <class Routine>
 inline void* linkShortPathFunction() {
-    return platformLoadAcquire(&linkState.plainCalls) ? Routine::cpuSlot.function : nullptr;
+    return platformLoadAcquire(&linkState.plainCalls) ? linkCachedCpuFunction(Routine::cpuSlot) : nullptr;
 }

@@ -149,8 +149,12 @@ template <class Routine>
     // crossover and the measure afresh, for the reason and again for the side.
     for (bool retry = false;; retry = true) {
         auto state = [&] {
-            return RouteState{linkState.gpuUnavailable != 0, retry, isWorkQuery, isExcluded,
-                              linkState.cpuAlways != 0, linkState.gpuAlways != 0,
+            return RouteState{linkState.gpuUnavailable != 0,
+                              retry,
+                              isWorkQuery,
+                              isExcluded,
+                              platformLoadRelaxed(&linkState.cpuAlways) != 0,
+                              platformLoadRelaxed(&linkState.gpuAlways) != 0,
                               measureUnderCrossover<Routine>(words)};
         };
         // linkLogIssue writes nothing with verbose off: the reason is then not
@@ -186,9 +190,12 @@ template <class Routine, class... Words>
         void* const passed[] = {words...};
         const CallWords callWords{passed};
         if constexpr (Args::frameClass != FrameClass::A) std::memset(callWords.pointer(Args::info), 0, 4);
-        const RouteState first{linkState.gpuUnavailable != 0,   false,
-                               linkIsRoutedWorkQuery<Routine>(callWords), linkIsExcluded<Routine>(),
-                               linkState.cpuAlways != 0,        linkState.gpuAlways != 0,
+        const RouteState first{linkState.gpuUnavailable != 0,
+                               false,
+                               linkIsRoutedWorkQuery<Routine>(callWords),
+                               linkIsExcluded<Routine>(),
+                               platformLoadRelaxed(&linkState.cpuAlways) != 0,
+                               platformLoadRelaxed(&linkState.gpuAlways) != 0,
                                measureUnderCrossover<Routine>(callWords)};
         if (!linkRouteToGpu(first)) return callCpuFunction<void>(function, words...);
     }

@@ -8,6 +8,7 @@
 // (character_arguments.inc) and the exceptions of cpu_routines.h.
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <complex>
 #include <cstddef>
 #include <cstdint>
@@ -82,15 +83,22 @@ template <FixedString Name> struct ArgumentsOf {
 template <class T> constexpr bool isComplex = false;
 template <class T> constexpr bool isComplex<std::complex<T>> = true;
 
-// One cached back-end function per routine; looked up on first use.
+// One cached back-end function per routine; looked up on first use. Threads read
+// and write the cache without a lock, as whole loads and stores without order:
+// concurrent look-ups store the same value.
 struct FortranSlot {
     void* function;
     const char* symbol;
 };
 
 void* resolve(FortranSlot& slot) {
-    if (slot.function == nullptr) slot.function = fortranSymbol(slot.symbol);
-    return slot.function;
+    std::atomic_ref<void*> cached(slot.function);
+    void* function = cached.load(std::memory_order_relaxed);
+    if (function == nullptr) {
+        function = fortranSymbol(slot.symbol);
+        cached.store(function, std::memory_order_relaxed);
+    }
+    return function;
 }
 
 template <FixedString Name> using ResultType = typename ResultOf<Name>::type;

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
+#include <random>
 #include <thread>
 
 #include "core/platform.h"
@@ -60,6 +61,17 @@ void emulatorPace(const char* routine) {
     if (const char* value = routineEntry("VORN_EMU_DELAY_US", routine)) {
         std::this_thread::sleep_for(std::chrono::microseconds(std::strtol(value, nullptr, 10)));
     }
+}
+
+int emulatorRandomFailure() {
+    const char* percent = std::getenv("VORN_EMU_RANDOM_FAILURES");
+    if (percent == nullptr) return 0;
+    // One generator per thread: no lock, and each thread its own sequence.
+    thread_local std::minstd_rand generator(std::random_device{}());
+    if (std::uniform_int_distribution<int>(0, 99)(generator) >= std::atoi(percent)) return 0;
+    const int status = std::uniform_int_distribution<int>(VORN_STATUS_NO_DEVICE, VORN_STATUS_DEPENDENCY_MISSING)(generator);
+    emulatorRecord("random failure %d", status);
+    return status;
 }
 
 int emulatorReadiness() { return readiness; }

@@ -7,6 +7,12 @@
 //                                    the routine (lower-case base, "spotrf")
 //                                    returns that status, without touching its
 //                                    arrays, and vornGetErrorInfo gives <info>
+//   VORN_EMU_RANDOM_FAILURES=<percent>
+//                                    that share of routine calls, drawn at random,
+//                                    returns one of the failure statuses (1 to 6,
+//                                    drawn at random too) without touching its
+//                                    arrays; with VORN_EMU_RECORD each such call
+//                                    adds "random failure <status>" after its line
 //   VORN_EMU_RECORD=<file>           appends one line per call with the
 //                                    by-value arguments: "vornSpotrf(U, 4, 0x..., 4)"
 //   VORN_EMU_DELAY_US=<routine>=<microseconds>,...
@@ -42,6 +48,10 @@ void emulatorPace(const char* routine);
 // library (dlsym finds it in the process only where the emulator is loaded). The
 // link library never calls it.
 extern "C" VORN_API const char* vornEmulatorDescription(void);
+
+// A failure status drawn for this call when VORN_EMU_RANDOM_FAILURES asks for
+// one, else 0.
+int emulatorRandomFailure();
 
 // Appends a line to the record file when VORN_EMU_RECORD is set.
 [[gnu::format(printf, 1, 2)]] void emulatorRecord(const char* format, ...);
@@ -113,6 +123,8 @@ bool emulatorAnswersEarly(int& status, const char* gpuName, Args... args) {
         status = forced.status;
         return true;
     }
+    status = emulatorRandomFailure();
+    if (status != 0) return true;
     emulatorPace(Routine.c_str());
     status = emulatorReadiness();
     return status != 0;
@@ -179,7 +191,9 @@ int emulateWithTail(const char* gpuName, Args... args) {
     if (function == nullptr) return VORN_STATUS_NOT_AVAILABLE;
 
     constexpr std::string_view tail = Tail.c_str();
-    constexpr std::size_t dropped = tail.starts_with('-') ? 1 : 0, withWork = tail.find('W') != tail.npos ? 1 : 0;
+    // count rather than find: gcc 12 cannot evaluate string_view::find at compile
+    // time under -fsanitize=undefined.
+    constexpr std::size_t dropped = tail.starts_with('-') ? 1 : 0, withWork = std::ranges::count(tail, 'W');
     constexpr std::size_t count = sizeof...(Args) - dropped + tail.size() - dropped + withWork + 1;
     void* const given[] = {emulatorAddress(args)...};
     void* words[count];
