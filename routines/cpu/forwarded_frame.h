@@ -82,8 +82,11 @@ template <class Routine>
     using WorkQuery = typename Routine::WorkQuery;
 
     // verbose is read before the start-up: the first call of a process, if it is
-    // a forwarded routine, loses its entry line.
-    if (linkState.verbose) linkWriteLine(Routine::entryLine.c_str());
+    // a forwarded routine, loses its entry line. It is read only once the start-up
+    // is published, since another thread may be setting verbose and the log
+    // stream at this moment; a call that races with the start-up loses its entry
+    // line too.
+    if (platformLoadAcquire(&linkState.gpuInitDone) && linkState.verbose) linkWriteLine(Routine::entryLine.c_str());
     linkInitGpu();
     if (!linkInitCpu()) return Exported();
     if (linkState.verbose) linkWriteLine("vorn info:  issuing to CPU (no GPU function available)\n");
